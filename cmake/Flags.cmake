@@ -1,0 +1,13 @@
+# Warning and sanitizer settings, defined once and linked by every target of ours.
+add_library(kplan_flags INTERFACE)
+target_compile_options(kplan_flags INTERFACE -Wall -Wextra -Wpedantic)
+if(KPLAN_WERROR)
+    target_compile_options(kplan_flags INTERFACE -Werror)
+endif()
+
+if(KPLAN_SANITIZE)
+    # Global, so that GoogleTest's main and every object file share the runtime.
+    add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
+                        -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=address,undefined)
+endif()

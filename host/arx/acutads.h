@@ -1,0 +1,29 @@
+#pragma once
+// Result-buffer lists and strings of the host's utility interface. Every list made
+// here is counted until acutRelRb releases it.
+#include "host/arx/adscodes.h"
+#include "host/arx/adsdef.h"
+#include "host/db/Value.h"
+
+resbuf* acutNewRb(int type);
+int acutRelRb(resbuf* list);
+// Builds a list from (type, value) pairs ended by 0 (RTNONE ends it too). Strings are
+// const ACHAR*, reals double, points const double*, shorts and longs int, entity
+// names ads_name; RTLB, RTLE, RTDOTE, RTNIL, RTT and -3 take no value.
+resbuf* acutBuildList(int type, ...);
+resbuf* acutNewRbList(int count);  // count RTNONE buffers chained
+ACHAR* acutNewString(const ACHAR* text);
+void acutDelString(ACHAR*& text);
+int acutUpdString(const ACHAR* text, ACHAR*& target);
+// Copies of lists, counted like any other.
+resbuf* acutDuplicateRb(const resbuf* list);
+
+int acutPrintf(const ACHAR* format, ...);
+
+// What kind of value a result-buffer type carries (an RT code or a group code).
+db::ValueKind acutValueKindOfType(int type);
+
+// Between the stored form of tagged values and result-buffer lists.
+resbuf* acutValuesToRb(const db::ValueList& values);
+// False, with values untouched, when an item has a type that carries no value.
+bool acutRbToValues(const resbuf* list, db::ValueList& values);

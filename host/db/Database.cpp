@@ -1,0 +1,72 @@
+#include "host/db/Database.h"
+
+#include "host/db/Leaks.h"
+
+namespace db {
+
+namespace {
+std::unordered_map<std::int64_t, Database*>& registry() {
+    static std::unordered_map<std::int64_t, Database*> databases;
+    return databases;
+}
+std::int64_t nextSerial = 1;
+}  // namespace
+
+Database::Database() : serial_(nextSerial++) {
+    registry().emplace(serial_, this);
+}
+
+Database* Database::fromSerial(std::int64_t serial) {
+    auto it = registry().find(serial);
+    return it == registry().end() ? nullptr : it->second;
+}
+
+void stubToName(const Stub* stub, std::int64_t name[2]) {
+    name[0] = stub ? static_cast<std::int64_t>(stub->handle) : 0;
+    name[1] = stub ? stub->database->serial() : 0;
+}
+
+Stub* nameToStub(const std::int64_t name[2]) {
+    Database* database = Database::fromSerial(name[1]);
+    return database ? database->find(static_cast<std::uint64_t>(name[0])) : nullptr;
+}
+
+Database::~Database() {
+    registry().erase(serial_);
+    // Objects still open when their drawing goes away can no longer be closed.
+    for (Stub& stub : stubs_) {
+        if (stub.isOpen()) leakCounts().openObjects--;
+    }
+    // Objects may refer to each other in their destructors' view; free them in
+    // reverse order of creation, before the stubs themselves go.
+    for (auto it = stubs_.rbegin(); it != stubs_.rend(); ++it)
+        it->object.reset();
+}
+
+Stub* Database::add(std::unique_ptr<ObjectBase>& object, std::uint64_t handle) {
+    if (handle == 0) {
+        while (byHandle_.count(nextHandle_))
+            ++nextHandle_;
+        handle = nextHandle_++;
+    } else if (byHandle_.count(handle)) {
+        return nullptr;
+    }
+    if (handle >= nextHandle_) nextHandle_ = handle + 1;
+    Stub& stub = stubs_.emplace_back();
+    stub.database = this;
+    stub.handle = handle;
+    stub.object = std::move(object);
+    byHandle_.emplace(handle, &stub);
+    return &stub;
+}
+
+Stub* Database::find(std::uint64_t handle) const {
+    auto it = byHandle_.find(handle);
+    return it == byHandle_.end() ? nullptr : it->second;
+}
+
+void Database::setHandseed(std::uint64_t seed) {
+    if (seed > nextHandle_) nextHandle_ = seed;
+}
+
+}  // namespace db

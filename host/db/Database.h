@@ -1,0 +1,69 @@
+#pragma once
+// The object store of one drawing: stubs that own the objects and give them handles.
+// Which classes the objects are is the business of the layer above; the store only
+// knows handles, ownership of the memory, erasure and open state.
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <unordered_map>
+
+namespace db {
+
+class Database;
+
+// Base of every object kept in a database.
+class ObjectBase {
+  public:
+    virtual ~ObjectBase() = default;
+};
+
+// The permanent identity of one object. Stubs are never moved or freed while their
+// database lives, so a pointer to one is a stable id even after the object is erased.
+struct Stub {
+    Database* database = nullptr;
+    std::uint64_t handle = 0;
+    std::unique_ptr<ObjectBase> object;
+    bool erased = false;
+    int readers = 0;
+    bool writer = false;
+    bool notifying = false;
+
+    bool isOpen() const { return readers > 0 || writer; }
+};
+
+class Database {
+  public:
+    Database();
+    virtual ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    // Takes ownership of the object. A handle of 0 takes the next free one; a handle
+    // already in use fails (nullptr) and the object is given back untouched.
+    Stub* add(std::unique_ptr<ObjectBase>& object, std::uint64_t handle = 0);
+    Stub* find(std::uint64_t handle) const;
+
+    // The next handle that add() will give; never below one past the largest in use.
+    std::uint64_t handseed() const { return nextHandle_; }
+    void setHandseed(std::uint64_t seed);
+
+    std::size_t size() const { return stubs_.size(); }
+    // A number unique to this database in this process, never reused.
+    std::int64_t serial() const { return serial_; }
+    static Database* fromSerial(std::int64_t serial);
+    // Stubs in the order they were added, erased ones included.
+    const std::deque<Stub>& stubs() const { return stubs_; }
+
+  private:
+    std::deque<Stub> stubs_;
+    std::unordered_map<std::uint64_t, Stub*> byHandle_;
+    std::uint64_t nextHandle_ = 1;
+    std::int64_t serial_ = 0;
+};
+
+// Entity names of the command-line interface are (handle, database serial) pairs,
+// so that a stale or forged name is looked up and refused, never dereferenced.
+void stubToName(const Stub* stub, std::int64_t name[2]);
+Stub* nameToStub(const std::int64_t name[2]);
+
+}  // namespace db

@@ -1,0 +1,74 @@
+#include "tests/support/KplanTest.h"
+
+#include "host/arx/dbents.h"
+#include "host/arx/dbpl.h"
+#include "host/arx/dbsymtb.h"
+
+void KplanTest::SetUp() {
+    leaks_ = new LeakCheck();
+    acDocManager->closeAll();
+    document_ = acDocManager->appendDocument();
+}
+
+void KplanTest::TearDown() {
+    // Checked before the drawing goes: closing a drawing forgives what it held open.
+    leaks_->expectNone();
+    delete leaks_;
+    leaks_ = nullptr;
+    acDocManager->closeAll();
+    document_ = nullptr;
+}
+
+AcDbObjectId KplanTest::addEntity(AcDbEntity* entity, AcDbObjectId space) {
+    if (space.isNull()) space = database()->currentSpaceId();
+    AcDbBlockTableRecord* block = nullptr;
+    if (acdbOpenObject(block, space, AcDb::kForWrite) != Acad::eOk) {
+        delete entity;
+        return {};
+    }
+    AcDbObjectId id;
+    Acad::ErrorStatus es = block->appendAcDbEntity(id, entity);
+    block->close();
+    if (es != Acad::eOk) {
+        delete entity;
+        return {};
+    }
+    entity->close();
+    return id;
+}
+
+AcDbObjectId KplanTest::addPolyline(std::initializer_list<AcGePoint2d> points,
+                                    std::vector<double> bulges, bool closed, AcDbObjectId space) {
+    auto* pline = new AcDbPolyline();
+    unsigned int i = 0;
+    for (const AcGePoint2d& p : points) {
+        pline->addVertexAt(i, p, i < bulges.size() ? bulges[i] : 0.0);
+        ++i;
+    }
+    pline->setClosed(closed);
+    return addEntity(pline, space);
+}
+
+AcDbObjectId KplanTest::addRectangle(double x0, double y0, double x1, double y1,
+                                     AcDbObjectId space) {
+    return addPolyline({{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}}, {}, true, space);
+}
+
+AcDbObjectId KplanTest::addCircle(double x, double y, double radius, AcDbObjectId space) {
+    return addEntity(new AcDbCircle({x, y, 0}, AcGeVector3d::kZAxis, radius), space);
+}
+
+void KplanTest::registerApp(const ACHAR* name) {
+    AcDbRegAppTable* table = nullptr;
+    ASSERT_EQ(database()->getRegAppTable(table, AcDb::kForWrite), Acad::eOk);
+    if (!table->has(name)) {
+        auto* record = new AcDbRegAppTableRecord();
+        record->setName(name);
+        if (table->add(record) == Acad::eOk) {
+            record->close();
+        } else {
+            delete record;
+        }
+    }
+    table->close();
+}

@@ -1,0 +1,36 @@
+#pragma once
+// The fixture of every test that touches a drawing: a fresh current document per
+// test, helpers that draw what planners draw, and a check in TearDown that the test
+// closed every object and released every list and selection set it used.
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+#include "host/arx/acdocman.h"
+#include "host/arx/dbmain.h"
+#include "tests/support/LeakCheck.h"
+
+class KplanTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    AcDbDatabase* database() const { return document_->database(); }
+    AcApDocument* document() const { return document_; }
+
+    // Adds a closed polyline to model space (or the given block) and closes it.
+    AcDbObjectId addPolyline(std::initializer_list<AcGePoint2d> points,
+                             std::vector<double> bulges = {}, bool closed = true,
+                             AcDbObjectId space = {});
+    AcDbObjectId addRectangle(double x0, double y0, double x1, double y1, AcDbObjectId space = {});
+    AcDbObjectId addCircle(double x, double y, double radius, AcDbObjectId space = {});
+    // Adds any new entity to a space and closes it; the id, or null on failure.
+    AcDbObjectId addEntity(AcDbEntity* entity, AcDbObjectId space = {});
+    // Registers an application name in the drawing's APPID table.
+    void registerApp(const ACHAR* name);
+
+  private:
+    LeakCheck* leaks_ = nullptr;
+    AcApDocument* document_ = nullptr;
+};

@@ -622,6 +622,27 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbOb
     return Acad::eOk;
 }
 
+Acad::ErrorStatus AcDbDatabase::restoreObject(AcDbObjectId& id, AcDbObject* obj,
+                                              AcDbHandle handle) {
+    if (obj == nullptr) return Acad::eNullObjectPointer;
+    if (obj->stub() != nullptr) return Acad::eAlreadyInDb;
+    db::Stub* stub = handle.isNull() ? nullptr : find(handle.value());
+    if (stub != nullptr && stub->object != nullptr) return Acad::eHandleInUse;
+    if (stub == nullptr) {
+        std::unique_ptr<db::ObjectBase> owned(obj);
+        stub = add(owned, handle.value());
+        if (stub == nullptr) {
+            (void)owned.release();
+            return Acad::eHandleInUse;
+        }
+    } else {
+        stub->object.reset(obj);
+    }
+    obj->attachStub(stub);
+    id = AcDbObjectId(stub);
+    return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
                                                 const AcDbHandle& handle, Adesk::UInt32) {
     if (handle.isNull()) return Acad::eNullHandle;

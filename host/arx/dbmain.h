@@ -1,5 +1,6 @@
 #pragma once
 // Database objects and entities, the drawing database, and opening and closing.
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -206,6 +207,9 @@ class AcDbDatabase : public db::Database {
     Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* obj);
     // The same with a given handle (for loaders); fails with eHandleInUse.
     Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* obj, AcDbHandle handle);
+    // For loaders: places an object at its handle, also into a stub that a forward
+    // reference made; the object is not left open. eHandleInUse when an object has it.
+    Acad::ErrorStatus restoreObject(AcDbObjectId& id, AcDbObject* obj, AcDbHandle handle);
     Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
                                       const AcDbHandle& handle, Adesk::UInt32 xRefId = 0);
 
@@ -251,7 +255,13 @@ class AcDbDatabase : public db::Database {
                          AcDbObjectId linetypeTable, AcDbObjectId namedObjects,
                          AcDbObjectId modelSpace, AcDbObjectId paperSpace);
 
+    // What a file format keeps to write the drawing back as it was read (the tags of
+    // what the host does not model); owned by the database, null when not loaded.
+    db::ObjectBase* fileData() const { return fileData_.get(); }
+    void setFileData(std::unique_ptr<db::ObjectBase> data) { fileData_ = std::move(data); }
+
   private:
+    std::unique_ptr<db::ObjectBase> fileData_;
     AcDbObjectId blockTable_, layerTable_, regAppTable_, linetypeTable_;
     AcDbObjectId namedObjects_, modelSpace_, paperSpace_, clayer_;
     AcCmColor cecolor_;

@@ -43,6 +43,8 @@ class AcDbSymbolTable : public AcDbObject {
                                   bool skipDeleted = true) const;
     // Record ids in the order they were added, erased ones included.
     const std::vector<AcDbObjectId>& recordIds() const { return records_; }
+    // For loaders: a record already resident, unchecked (files may repeat a name).
+    void restoreRecord(AcDbObjectId id) { records_.push_back(id); }
 
   protected:
     virtual bool accepts(const AcDbSymbolTableRecord* record) const = 0;
@@ -171,6 +173,12 @@ class AcDbBlockTableRecord : public AcDbSymbolTableRecord {
                                   bool skipDeleted = true) const;
     // Entity ids in drawing order of creation, erased ones included.
     const std::vector<AcDbObjectId>& entityIds() const { return entities_; }
+    // For loaders: an entity already resident, in file order, unchecked.
+    void restoreEntity(AcDbObjectId id) { entities_.push_back(id); }
+    // The draw order of this block, kept in its extension dictionary; with
+    // createIfNecessary a missing one is made (the record must be open for write).
+    Acad::ErrorStatus getSortentsTable(class AcDbSortentsTable*& table, AcDb::OpenMode mode,
+                                       bool createIfNecessary = false);
     bool isLayout() const;
     AcGePoint3d origin() const { return origin_; }
     void setOrigin(const AcGePoint3d& origin) { origin_ = origin; }

@@ -1,6 +1,7 @@
 #include "tests/support/KplanTest.h"
 
 #include "host/arx/dbents.h"
+#include "host/arx/acedads.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
 
@@ -8,6 +9,9 @@ void KplanTest::SetUp() {
     leaks_ = new LeakCheck();
     acDocManager->closeAll();
     document_ = acDocManager->appendDocument();
+    input_ = db::useScriptedInput();
+    db::commandLine().clearTranscript();
+    arx::resetSystemVariables();
 }
 
 void KplanTest::TearDown() {
@@ -17,6 +21,8 @@ void KplanTest::TearDown() {
     leaks_ = nullptr;
     acDocManager->closeAll();
     document_ = nullptr;
+    input_.reset();
+    db::useScriptedInput();
 }
 
 AcDbObjectId KplanTest::addEntity(AcDbEntity* entity, AcDbObjectId space) {

@@ -5,10 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <memory>
 #include <vector>
 
 #include "host/arx/acdocman.h"
 #include "host/arx/dbmain.h"
+#include "host/db/CommandLine.h"
 #include "tests/support/LeakCheck.h"
 
 class KplanTest : public ::testing::Test {
@@ -18,6 +20,10 @@ class KplanTest : public ::testing::Test {
 
     AcDbDatabase* database() const { return document_->database(); }
     AcApDocument* document() const { return document_; }
+    // The user's answers, queued before the call that asks; a dry queue cancels.
+    db::ScriptedInput& input() const { return *input_; }
+    // Everything printed on the command line since the test began.
+    const std::wstring& transcript() const { return db::commandLine().transcript(); }
 
     // Adds a closed polyline to model space (or the given block) and closes it.
     AcDbObjectId addPolyline(std::initializer_list<AcGePoint2d> points,
@@ -32,5 +38,6 @@ class KplanTest : public ::testing::Test {
 
   private:
     LeakCheck* leaks_ = nullptr;
+    std::shared_ptr<db::ScriptedInput> input_;
     AcApDocument* document_ = nullptr;
 };

@@ -1,0 +1,40 @@
+#pragma once
+// The selection sets handed out by the command-line interface. A set is a list of
+// entity names (handle, database serial), so that a set outliving its drawing holds
+// names that no longer resolve rather than dangling pointers; each one counts in
+// leakCounts().liveSelectionSets until it is freed. The host allows only a limited number of sets
+// at a time.
+#include <array>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace db {
+
+using EntityName = std::array<std::int64_t, 2>;
+
+class SelectionSets {
+  public:
+    static constexpr std::size_t kMaxSets = 128;
+
+    // A new set; 0 when kMaxSets are open already.
+    std::int64_t create(std::vector<EntityName> members);
+    // The members of a live set, null for a freed or unknown one.
+    std::vector<EntityName>* find(std::int64_t id);
+    bool free(std::int64_t id);
+    std::size_t liveCount() const { return sets_.size(); }
+
+    // Set names of the command-line interface: (id, kNameTag). The tag is no database
+    // serial, so a set name is never taken for an entity name.
+    static constexpr std::int64_t kNameTag = -1;
+    static void toName(std::int64_t id, std::int64_t name[2]);
+    static std::int64_t fromName(const std::int64_t name[2]);
+
+  private:
+    std::unordered_map<std::int64_t, std::vector<EntityName>> sets_;
+    std::int64_t next_ = 1;
+};
+
+SelectionSets& selectionSets();
+
+}  // namespace db

@@ -1,0 +1,35 @@
+#pragma once
+// The maker's drawing-level helpers: the current space, symbol table names, system
+// variables and the last entity of the drawing. A null database means the working one.
+#include "host/arx/adsdef.h"
+#include "host/arx/dbmain.h"
+#include "host/mfc/CString.h"
+#include "host/mfc/CStringArray.h"
+
+namespace kova::cad {
+
+// The current space as the value of group 67: 0 model space, 1 paper space.
+int GetCurSpace(AcDbDatabase* database = nullptr);
+// 1 when the current space is paper space.
+int IsPaperSpace(AcDbDatabase* database = nullptr);
+
+// Clears names and lists the records of a symbol table named as in DXF ("APPID", "LAYER",
+// "LTYPE", "BLOCK_RECORD", case ignored), erased records left out, in table order;
+// returns their number, 0 for an unknown table.
+int GetSymTable(const ACHAR* tableName, CStringArray& names, AcDbDatabase* database = nullptr);
+
+// System variables through the host's acedGetVar / acedSetVar; 1 on success. A short or
+// long variable reads as int, a real (or an integer) as double, a string as CString.
+int GetSysVar(const ACHAR* name, int& value);
+int GetSysVar(const ACHAR* name, double& value);
+int GetSysVar(const ACHAR* name, CString& value);
+// An int is written with the variable's own integer type.
+int SetSysVar(const ACHAR* name, int value);
+int SetSysVar(const ACHAR* name, double value);
+int SetSysVar(const ACHAR* name, const ACHAR* value);
+
+// The entity most recently added to any layout of the drawing and not erased; 0 when the
+// drawing has none.
+int GetLastEnt(ads_name entity, AcDbDatabase* database = nullptr);
+
+}  // namespace kova::cad

@@ -1,0 +1,160 @@
+#include "host/kova/KovaDataSet.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Settings {
+    std::wstring root, standard, classTable, ghType;
+};
+
+Settings& settings() {
+    static Settings s;
+    return s;
+}
+
+std::wstring fromEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    return value && *value ? CString::FromUtf8(value).wstr() : std::wstring();
+}
+
+fs::path toPath(const std::wstring& text) {
+    return fs::path(CString(text).ToUtf8());
+}
+
+std::wstring fromPath(const fs::path& path) {
+    return CString::FromUtf8(path.string()).wstr();
+}
+
+bool isDirectory(const fs::path& path) {
+    std::error_code ec;
+    return fs::is_directory(path, ec);
+}
+
+bool isFile(const std::wstring& path) {
+    std::error_code ec;
+    return fs::is_regular_file(toPath(path), ec);
+}
+
+fs::path executableDirectory() {
+    std::error_code ec;
+    fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    return ec ? fs::path() : exe.parent_path();
+}
+
+std::wstring defaultRoot() {
+    std::vector<fs::path> candidates;
+    fs::path exeDir = executableDirectory();
+    if (!exeDir.empty()) {
+        candidates.push_back(exeDir / ".." / "share" / "kplan" / "standards");
+        candidates.push_back(exeDir / "data" / "standards");
+        candidates.push_back(exeDir / ".." / "data" / "standards");
+    }
+    // This file lies in host/kova of the source tree.
+    fs::path source = fs::path(__FILE__);
+    if (source.is_absolute()) {
+        candidates.push_back(source.parent_path().parent_path().parent_path() / "data" /
+                             "standards");
+    }
+    for (const fs::path& c : candidates) {
+        if (isDirectory(c)) return fromPath(c.lexically_normal());
+    }
+    return candidates.empty() ? std::wstring() : fromPath(candidates.back().lexically_normal());
+}
+
+std::wstring pick(const std::wstring& set, const char* variable, const std::wstring& fallback) {
+    if (!set.empty()) return set;
+    std::wstring env = fromEnvironment(variable);
+    return env.empty() ? fallback : env;
+}
+
+// Appends one level (which may hold several directories) with "\" turned into "/" and
+// without doubled separators.
+void appendLevel(std::wstring& path, const ACHAR* level) {
+    if (level == nullptr) return;
+    std::wstring part(level);
+    for (wchar_t& c : part) {
+        if (c == L'\\') c = L'/';
+    }
+    std::size_t first = part.find_first_not_of(L'/');
+    std::size_t last = part.find_last_not_of(L'/');
+    if (first == std::wstring::npos) return;
+    part = part.substr(first, last - first + 1);
+    if (!path.empty() && path.back() != L'/') path += L'/';
+    path += part;
+}
+
+std::wstring compose(const CString& root, const ACHAR* standard, const ACHAR* subDirectory,
+                     const ACHAR* fileName) {
+    std::wstring path = root.wstr();
+    for (wchar_t& c : path) {
+        if (c == L'\\') c = L'/';
+    }
+    appendLevel(path, standard);
+    appendLevel(path, subDirectory);
+    appendLevel(path, fileName);
+    return path;
+}
+
+}  // namespace
+
+CString CKovaDataSet::FGetGStandardDirPath() {
+    const std::wstring& set = settings().root;
+    if (!set.empty()) return CString(set);
+    std::wstring env = fromEnvironment("KPLAN_DATA");
+    return CString(env.empty() ? defaultRoot() : env);
+}
+
+CString CKovaDataSet::FGetStandardName() {
+    return CString(pick(settings().standard, "KPLAN_STANDARD", CommonStandardName()));
+}
+
+CString CKovaDataSet::FGetCurYDLB() {
+    return CString(pick(settings().classTable, "KPLAN_CLASS_TABLE", L"2011国标城乡用地类别.txt"));
+}
+
+void CKovaDataSet::FSetGStandardDirPath(const ACHAR* root) {
+    settings().root = root ? root : L"";
+}
+
+void CKovaDataSet::FSetStandardName(const ACHAR* standard) {
+    settings().standard = standard ? standard : L"";
+}
+
+void CKovaDataSet::FSetCurYDLB(const ACHAR* classTable) {
+    settings().classTable = classTable ? classTable : L"";
+}
+
+int CKovaDataSet::FGetGStandardOneFilePath(CString& path, const ACHAR* subDirectory,
+                                           const ACHAR* fileName, const ACHAR* standardName,
+                                           int flag) {
+    if (fileName == nullptr || *fileName == 0) {
+        path = CString();
+        return 0;
+    }
+    CString root = FGetGStandardDirPath();
+    std::wstring own = compose(root, standardName, subDirectory, fileName);
+    path = CString(own);
+    if (isFile(own)) return 1;
+    if (flag) {
+        std::wstring common = compose(root, CommonStandardName(), subDirectory, fileName);
+        if (isFile(common)) {
+            path = CString(common);
+            return 1;
+        }
+    }
+    return 0;
+}
+
+CString CKovaDataSet::FGetNameDict_GHType() {
+    return CString(settings().ghType);
+}
+
+void CKovaDataSet::FSetNameDict_GHType(const ACHAR* value) {
+    settings().ghType = value ? value : L"";
+}

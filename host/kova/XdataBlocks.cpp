@@ -1,0 +1,169 @@
+#include "host/kova/XdataBlocks.h"
+
+#include "host/arx/acutads.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/peek.h"
+
+namespace kova::xdata {
+
+namespace {
+
+bool isString(const db::Value& v, int code) {
+    return v.code == code && v.text() != nullptr;
+}
+
+bool isBrace(const db::Value& v, const wchar_t* brace) {
+    return isString(v, 1002) && *v.text() == brace;
+}
+
+std::wstring textOf(const db::Value& v) {
+    return v.text() ? *v.text() : std::wstring();
+}
+
+}  // namespace
+
+bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks) {
+    blocks.clear();
+    if (id.isNull() || id.isErased()) return false;
+    AcDbObject* obj = nullptr;
+    if (acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) return false;
+    for (const db::Value& v : obj->xdataValues()) {
+        if (v.code == 1001) {
+            blocks.push_back({textOf(v), {}});
+        } else if (!blocks.empty()) {
+            blocks.back().values.push_back(v);
+        }
+    }
+    obj->close();
+    return true;
+}
+
+const Block* findBlock(const std::vector<Block>& blocks, const std::wstring& app) {
+    std::wstring key = arx::foldCase(app.c_str());
+    for (const Block& b : blocks) {
+        if (arx::foldCase(b.app.c_str()) == key) return &b;
+    }
+    return nullptr;
+}
+
+Block* findBlock(std::vector<Block>& blocks, const std::wstring& app) {
+    return const_cast<Block*>(findBlock(static_cast<const std::vector<Block>&>(blocks), app));
+}
+
+bool isRegistered(AcDbDatabase* database, const std::wstring& app) {
+    if (database == nullptr || app.empty()) return false;
+    AcDbRegAppTable* table = nullptr;
+    if (database->getRegAppTable(table, AcDb::kForRead) != Acad::eOk) return false;
+    bool found = table->has(app.c_str());
+    table->close();
+    return found;
+}
+
+bool registerApp(AcDbDatabase* database, const std::wstring& app) {
+    if (database == nullptr || app.empty()) return false;
+    if (isRegistered(database, app)) return true;
+    AcDbRegAppTable* table = nullptr;
+    if (database->getRegAppTable(table, AcDb::kForWrite) != Acad::eOk) return false;
+    auto* record = new AcDbRegAppTableRecord();
+    bool ok = record->setName(app.c_str()) == Acad::eOk && table->add(record) == Acad::eOk;
+    if (ok) {
+        record->close();
+    } else {
+        delete record;
+    }
+    table->close();
+    return ok;
+}
+
+bool writeBlocks(AcDbObjectId id, const std::vector<Block>& changes) {
+    if (id.isNull() || id.isErased()) return false;
+    std::vector<Block> current;
+    if (!readBlocks(id, current)) return false;
+    AcDbDatabase* database = id.database();
+    db::ValueList list;
+    for (const Block& change : changes) {
+        if (change.app.empty()) return false;
+        if (change.values.empty()) {
+            // Nothing to remove when the entity does not carry it; the host would refuse
+            // the name of an application it never registered.
+            if (findBlock(current, change.app) == nullptr) continue;
+        }
+        if (!registerApp(database, change.app)) return false;
+        list.push_back(db::Value::string(1001, change.app));
+        list.insert(list.end(), change.values.begin(), change.values.end());
+    }
+    if (list.empty()) return true;
+    AcDbObject* obj = nullptr;
+    if (acdbOpenObject(obj, id, AcDb::kForWrite) != Acad::eOk) return false;
+    resbuf* rb = acutValuesToRb(list);
+    Acad::ErrorStatus es = obj->setXData(rb);
+    acutRelRb(rb);
+    obj->close();
+    return es == Acad::eOk;
+}
+
+int Record::find(const std::wstring& key) const {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].first == key) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+void Record::set(const std::wstring& key, const std::wstring& value) {
+    int i = find(key);
+    if (i >= 0) {
+        fields[static_cast<std::size_t>(i)].second = value;
+    } else {
+        fields.emplace_back(key, value);
+    }
+}
+
+bool parseRecord(const db::ValueList& values, Record& record) {
+    Record parsed;
+    std::size_t i = 0, n = values.size();
+    if (i < n && isString(values[i], 1000)) parsed.head = textOf(values[i++]);
+    if (i >= n || !isBrace(values[i], L"{")) return false;
+    ++i;
+    while (i + 1 < n && isString(values[i], 1000) && isString(values[i + 1], 1000)) {
+        parsed.fields.emplace_back(textOf(values[i]), textOf(values[i + 1]));
+        i += 2;
+    }
+    if (i >= n || !isBrace(values[i], L"}")) return false;
+    if (i + 1 != n) return false;
+    record = std::move(parsed);
+    return true;
+}
+
+db::ValueList recordValues(const Record& record) {
+    db::ValueList values;
+    values.reserve(3 + 2 * record.fields.size());
+    values.push_back(db::Value::string(1000, record.head));
+    values.push_back(db::Value::string(1002, L"{"));
+    for (const auto& [key, value] : record.fields) {
+        values.push_back(db::Value::string(1000, key));
+        values.push_back(db::Value::string(1000, value));
+    }
+    values.push_back(db::Value::string(1002, L"}"));
+    return values;
+}
+
+bool headOf(const db::ValueList& values, std::wstring& head) {
+    int depth = 0;
+    for (const db::Value& v : values) {
+        if (isBrace(v, L"{")) {
+            ++depth;
+        } else if (isBrace(v, L"}")) {
+            --depth;
+        } else if (depth == 0 && isString(v, 1000)) {
+            head = textOf(v);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool isSimpleItem(const db::ValueList& values) {
+    return values.size() == 1 && isString(values.front(), 1000);
+}
+
+}  // namespace kova::xdata

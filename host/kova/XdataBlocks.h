@@ -1,0 +1,60 @@
+#pragma once
+// An entity's xdata seen as application blocks, and the GIS record layout inside one
+// block. The xdata classes and the data helpers share this so that every writer lays a
+// record out the same way:
+//   1001 app, 1000 head, 1002 "{", (1000 key, 1000 value)..., 1002 "}"
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/arx/dbmain.h"
+#include "host/db/Value.h"
+
+namespace kova::xdata {
+
+struct Block {
+    std::wstring app;      // as stored
+    db::ValueList values;  // what follows the 1001 item
+};
+
+// Every application block of the entity in stored order. False when the id is not a
+// live object or does not open for read.
+bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks);
+
+// The block of an application, names compared ignoring ASCII case as the host does.
+const Block* findBlock(const std::vector<Block>& blocks, const std::wstring& app);
+Block* findBlock(std::vector<Block>& blocks, const std::wstring& app);
+
+bool isRegistered(AcDbDatabase* database, const std::wstring& app);
+// Adds the name to the drawing's APPID table when it is not there yet.
+bool registerApp(AcDbDatabase* database, const std::wstring& app);
+
+// Gives each listed application the block's values as its whole data; empty values
+// remove the application. Names that carry data are registered first. All changes go in
+// one write, so either every block changes or none does (the 16 KiB limit, for one).
+bool writeBlocks(AcDbObjectId id, const std::vector<Block>& changes);
+
+struct Record {
+    std::wstring head;
+    std::vector<std::pair<std::wstring, std::wstring>> fields;
+
+    // Index of the field, -1 when absent.
+    int find(const std::wstring& key) const;
+    // Replaces the value in place, or appends the field, so that the order stays the order
+    // of first writing.
+    void set(const std::wstring& key, const std::wstring& value);
+};
+
+// True when the values are a GIS record (head optional, brace group required, pairs of
+// strings inside, nothing after).
+bool parseRecord(const db::ValueList& values, Record& record);
+db::ValueList recordValues(const Record& record);
+
+// The first group-1000 string outside any brace group: the value of a simple item and
+// the head of a GIS record.
+bool headOf(const db::ValueList& values, std::wstring& head);
+
+// A block that is one string and nothing else: what a simple item looks like.
+bool isSimpleItem(const db::ValueList& values);
+
+}  // namespace kova::xdata

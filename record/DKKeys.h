@@ -1,0 +1,166 @@
+#pragma once
+// The vocabulary of the data model: application names (record kinds), the shared
+// lists of them, and the field keys of the records. Use these, never the literals.
+
+namespace dk {
+
+// Application names.
+inline constexpr const wchar_t* FAPP_GHDK = L"FAPP_GHDK";
+inline constexpr const wchar_t* FAPP_GHDK_FG = L"FAPP_GHDK_FG";
+inline constexpr const wchar_t* FAPP_GHDK_ZG = L"FAPP_GHDK_ZG";
+inline constexpr const wchar_t* FAPP_GHDK_TX = L"FAPP_GHDK_TX";
+inline constexpr const wchar_t* FAPP_GHDK_FJ = L"FAPP_GHDK_FJ";
+inline constexpr const wchar_t* FAPP_XZDK = L"FAPP_XZDK";
+inline constexpr const wchar_t* FAPP_GHDK_DX = L"FAPP_GHDK_DX";
+inline constexpr const wchar_t* FAPP_XZDK_DX = L"FAPP_XZDK_DX";
+inline constexpr const wchar_t* FAPP_DKTC = L"FAPP_DKTC";
+inline constexpr const wchar_t* FAPP_GHJF = L"FAPP_GHJF";
+inline constexpr const wchar_t* FAPP_GHDY = L"FAPP_GHDY";
+inline constexpr const wchar_t* FAPP_GHFWX = L"FAPP_GHFWX";
+inline constexpr const wchar_t* FAPP_PTGJ = L"FAPP_PTGJ";
+inline constexpr const wchar_t* FAPP_JZLKX = L"FAPP_JZLKX";
+inline constexpr const wchar_t* FAPP_TGGHDK = L"FAPP_TGGHDK";
+inline constexpr const wchar_t* FAPP_TGXZDK = L"FAPP_TGXZDK";
+inline constexpr const wchar_t* FAPP_CGTGDB = L"FAPP_CGTGDB";
+inline constexpr const wchar_t* FAPP_KXORA = L"FAPP_KXORA";
+inline constexpr const wchar_t* FAPP_KXYEL = L"FAPP_KXYEL";
+inline constexpr const wchar_t* FAPP_KXGRE = L"FAPP_KXGRE";
+inline constexpr const wchar_t* FAPP_KXBLU = L"FAPP_KXBLU";
+inline constexpr const wchar_t* FAPP_KXPUR = L"FAPP_KXPUR";
+inline constexpr const wchar_t* FAPP_KXBLA = L"FAPP_KXBLA";
+inline constexpr const wchar_t* FAPP_KXROAD = L"FAPP_KXROAD";
+inline constexpr const wchar_t* FAPP_ENTCODE = L"FAPP_ENTCODE";
+// Older record generations, read only.
+inline constexpr const wchar_t* APP_DKSX = L"地块属性";  // second generation
+inline constexpr const wchar_t* APP_DKBJ = L"地块边界";  // first generation
+inline constexpr const wchar_t* APP_XZYD = L"现状用地";  // first-generation current status
+
+// Shared lists (comma-separated application names).
+inline constexpr const wchar_t* LIST_GHDK = L"FAPP_GHDK,FAPP_GHDK_FG,FAPP_GHDK_ZG,FAPP_GHDK_TX";
+inline constexpr const wchar_t* LIST_GHXZDK =
+    L"FAPP_GHDK,FAPP_GHDK_FG,FAPP_GHDK_ZG,FAPP_GHDK_TX,FAPP_XZDK";
+inline constexpr const wchar_t* LIST_DXDK = L"FAPP_GHDK_DX,FAPP_XZDK_DX";
+inline constexpr const wchar_t* LIST_ALLDK =
+    L"FAPP_GHDK,FAPP_GHDK_FG,FAPP_GHDK_ZG,FAPP_GHDK_TX,FAPP_XZDK,FAPP_GHDK_DX,FAPP_XZDK_DX";
+inline constexpr const wchar_t* LIST_KGDK = L"FAPP_GHDK,FAPP_GHDK_KG,FAPP_XZDK,FAPP_XZDK_KG";
+inline constexpr const wchar_t* LIST_ZGDK = L"FAPP_GHDK_ZG,FAPP_XZDK_ZG";
+
+// Field keys: FS_ text, FD_ decimal, FN_ whole number, FDC_ computed total.
+inline constexpr const wchar_t* FS_DKBH = L"FS_DKBH";
+inline constexpr const wchar_t* FS_DKXZ = L"FS_DKXZ";
+inline constexpr const wchar_t* FS_YDXZ = L"FS_YDXZ";
+inline constexpr const wchar_t* FS_XZMC = L"FS_XZMC";
+inline constexpr const wchar_t* FD_RJL = L"FD_RJL";
+inline constexpr const wchar_t* FD_LDL = L"FD_LDL";
+inline constexpr const wchar_t* FD_JZMD = L"FD_JZMD";
+inline constexpr const wchar_t* FS_RKMD = L"FS_RKMD";
+inline constexpr const wchar_t* FD_JZXG = L"FD_JZXG";
+inline constexpr const wchar_t* FD_YDMJ = L"FD_YDMJ";
+inline constexpr const wchar_t* FD_JZMJ = L"FD_JZMJ";
+inline constexpr const wchar_t* FN_JDCW = L"FN_JDCW";
+inline constexpr const wchar_t* FN_FJDCW = L"FN_FJDCW";
+inline constexpr const wchar_t* FN_ZHS = L"FN_ZHS";
+inline constexpr const wchar_t* FN_ZRKS = L"FN_ZRKS";
+inline constexpr const wchar_t* FS_DLKKFX = L"FS_DLKKFX";
+inline constexpr const wchar_t* FS_PTSS = L"FS_PTSS";
+inline constexpr const wchar_t* FS_JRXZ = L"FS_JRXZ";
+inline constexpr const wchar_t* FS_BZ = L"FS_BZ";
+inline constexpr const wchar_t* FS_DKFL = L"FS_DKFL";
+inline constexpr const wchar_t* FD_RJLXX = L"FD_RJLXX";
+inline constexpr const wchar_t* FD_JZMDXX = L"FD_JZMDXX";
+inline constexpr const wchar_t* FD_LDLSX = L"FD_LDLSX";
+inline constexpr const wchar_t* FD_JRJZMJXX = L"FD_JRJZMJXX";
+inline constexpr const wchar_t* FS_GGFWSS = L"FS_GGFWSS";
+inline constexpr const wchar_t* FS_SZGYSS = L"FS_SZGYSS";
+inline constexpr const wchar_t* FS_JTSS = L"FS_JTSS";
+inline constexpr const wchar_t* FS_JRXZMS = L"FS_JRXZMS";
+inline constexpr const wchar_t* FN_COLOR = L"FN_COLOR";
+inline constexpr const wchar_t* FS_HHBL = L"FS_HHBL";
+inline constexpr const wchar_t* FS_LSXX = L"FS_LSXX";
+inline constexpr const wchar_t* FS_GHTYPE = L"FS_GHTYPE";
+inline constexpr const wchar_t* FS_CGYDDL = L"FS_CGYDDL";
+inline constexpr const wchar_t* FS_TGYDDL = L"FS_TGYDDL";
+inline constexpr const wchar_t* FS_TGDL = L"FS_TGDL";
+inline constexpr const wchar_t* FS_CGDL = L"FS_CGDL";
+inline constexpr const wchar_t* FS_KGTH = L"FS_KGTH";
+inline constexpr const wchar_t* FS_KGTM = L"FS_KGTM";
+inline constexpr const wchar_t* FS_JZTLFG = L"FS_JZTLFG";
+inline constexpr const wchar_t* FS_JZTHX = L"FS_JZTHX";
+inline constexpr const wchar_t* FS_JZTBX = L"FS_JZTBX";
+inline constexpr const wchar_t* FS_DLTLX = L"FS_DLTLX";
+inline constexpr const wchar_t* FS_JZSC = L"FS_JZSC";
+inline constexpr const wchar_t* FS_QTHJ = L"FS_QTHJ";
+inline constexpr const wchar_t* FS_GHSJ = L"FS_GHSJ";
+inline constexpr const wchar_t* FS_ZZSJ = L"FS_ZZSJ";
+inline constexpr const wchar_t* FS_DJ = L"FS_DJ";
+inline constexpr const wchar_t* FS_CQ = L"FS_CQ";
+inline constexpr const wchar_t* FS_DKZT = L"FS_DKZT";
+inline constexpr const wchar_t* FS_XMMC = L"FS_XMMC";
+inline constexpr const wchar_t* FS_ENTCODE = L"FS_ENTCODE";
+inline constexpr const wchar_t* FS_DXKJBH = L"FS_DXKJBH";
+inline constexpr const wchar_t* FS_SJDKBH = L"FS_SJDKBH";
+inline constexpr const wchar_t* FS_DXKJXZ = L"FS_DXKJXZ";
+inline constexpr const wchar_t* FD_DXJZMJ = L"FD_DXJZMJ";
+inline constexpr const wchar_t* FS_JZMJBL = L"FS_JZMJBL";
+inline constexpr const wchar_t* FN_DXKJCS = L"FN_DXKJCS";
+inline constexpr const wchar_t* FD_DXKJSD = L"FD_DXKJSD";
+inline constexpr const wchar_t* FN_DXJDCW = L"FN_DXJDCW";
+inline constexpr const wchar_t* FS_JFBH = L"FS_JFBH";
+inline constexpr const wchar_t* FS_ZDGN = L"FS_ZDGN";
+inline constexpr const wchar_t* FDC_ZJRK = L"FDC_ZJRK";
+inline constexpr const wchar_t* FDC_ZYDMJ = L"FDC_ZYDMJ";
+inline constexpr const wchar_t* FDC_ZJJZMJ = L"FDC_ZJJZMJ";
+inline constexpr const wchar_t* FDC_GYLDMJ = L"FDC_GYLDMJ";
+inline constexpr const wchar_t* FS_SJDX = L"FS_SJDX";
+inline constexpr const wchar_t* FS_GXSJ = L"FS_GXSJ";
+inline constexpr const wchar_t* FS_SJSJ = L"FS_SJSJ";
+inline constexpr const wchar_t* FDC_SFSSYDMJ = L"FDC_SFSSYDMJ";
+inline constexpr const wchar_t* FDC_SFSSJZMJ = L"FDC_SFSSJZMJ";
+inline constexpr const wchar_t* FDC_GYCCYDMJ = L"FDC_GYCCYDMJ";
+inline constexpr const wchar_t* FDC_GYCCJZMJ = L"FDC_GYCCJZMJ";
+inline constexpr const wchar_t* FDC_JZJZMJ = L"FDC_JZJZMJ";
+inline constexpr const wchar_t* FDC_JZYDMJ = L"FDC_JZYDMJ";
+inline constexpr const wchar_t* FDC_BLJZMJ = L"FDC_BLJZMJ";
+inline constexpr const wchar_t* FDC_XZJZMJ = L"FDC_XZJZMJ";
+inline constexpr const wchar_t* FDC_BLJZJZMJ = L"FDC_BLJZJZMJ";
+inline constexpr const wchar_t* FDC_XZJZJZMJ = L"FDC_XZJZJZMJ";
+inline constexpr const wchar_t* FDC_JSYDMJ = L"FDC_JSYDMJ";
+inline constexpr const wchar_t* FD_FJSYDMJ = L"FD_FJSYDMJ";
+inline constexpr const wchar_t* FDC_JZRJL = L"FDC_JZRJL";
+inline constexpr const wchar_t* FDC_SFSSRJL = L"FDC_SFSSRJL";
+inline constexpr const wchar_t* FDC_GYCCRJL = L"FDC_GYCCRJL";
+inline constexpr const wchar_t* FDC_BLYDMJ = L"FDC_BLYDMJ";
+inline constexpr const wchar_t* FDC_XZYDMJ = L"FDC_XZYDMJ";
+inline constexpr const wchar_t* FDC_BLJZYDMJ = L"FDC_BLJZYDMJ";
+inline constexpr const wchar_t* FDC_XZJZYDMJ = L"FDC_XZJZYDMJ";
+inline constexpr const wchar_t* FDC_PJRJL = L"FDC_PJRJL";
+inline constexpr const wchar_t* FDC_PJLDL = L"FDC_PJLDL";
+inline constexpr const wchar_t* FS_DYBH = L"FS_DYBH";
+inline constexpr const wchar_t* FS_PZWH = L"FS_PZWH";
+inline constexpr const wchar_t* FS_TYPE = L"FS_TYPE";
+inline constexpr const wchar_t* FS_SSLX = L"FS_SSLX";
+inline constexpr const wchar_t* FS_SZDKBH = L"FS_SZDKBH";
+inline constexpr const wchar_t* FS_NAME = L"FS_NAME";
+inline constexpr const wchar_t* FS_SSMC = L"FS_SSMC";
+inline constexpr const wchar_t* FD_AREA = L"FD_AREA";
+inline constexpr const wchar_t* FD_JZAREA = L"FD_JZAREA";
+inline constexpr const wchar_t* FS_ZDTYPE = L"FS_ZDTYPE";
+inline constexpr const wchar_t* FS_SSGM = L"FS_SSGM";
+inline constexpr const wchar_t* FS_SSQK = L"FS_SSQK";
+inline constexpr const wchar_t* FS_PTGJDM = L"FS_PTGJDM";
+inline constexpr const wchar_t* FS_SSDJ = L"FS_SSDJ";
+inline constexpr const wchar_t* FS_JZBH = L"FS_JZBH";
+inline constexpr const wchar_t* FS_JZMC = L"FS_JZMC";
+inline constexpr const wchar_t* FN_JZCS = L"FN_JZCS";
+inline constexpr const wchar_t* FS_JZCG = L"FS_JZCG";
+inline constexpr const wchar_t* FD_JZGD = L"FD_JZGD";
+inline constexpr const wchar_t* FS_JZJGXS = L"FS_JZJGXS";
+inline constexpr const wchar_t* FS_JZXZ = L"FS_JZXZ";
+inline constexpr const wchar_t* FS_JZZT = L"FS_JZZT";
+inline constexpr const wchar_t* FN_JZQSC = L"FN_JZQSC";
+inline constexpr const wchar_t* FN_JZZZC = L"FN_JZZZC";
+inline constexpr const wchar_t* FD_JZDBG = L"FD_JZDBG";
+inline constexpr const wchar_t* FD_JZZDMJ = L"FD_JZZDMJ";
+inline constexpr const wchar_t* FD_MJXS = L"FD_MJXS";
+
+}  // namespace dk

@@ -14,8 +14,8 @@
 #include "host/arx/peek.h"
 #include "host/db/CommandLine.h"
 #include "host/db/Database.h"
-#include "host/db/WideFormat.h"
 #include "host/db/WildcardMatch.h"
+#include "host/db/WindowsFormat.h"
 
 namespace {
 
@@ -295,10 +295,8 @@ AcGePoint3d pointOn(AcDbObjectId id) {
 int acutPrintf(const ACHAR* format, ...) {
     va_list args;
     va_start(args, format);
-    std::wstring text;
-    bool ok = db::formatMsvc(text, format, args);
+    std::wstring text = db::formatVa(format, args);
     va_end(args);
-    if (!ok) return RTERROR;
     line().print(text);
     return RTNORM;
 }

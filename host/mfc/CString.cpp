@@ -403,11 +403,11 @@ CString& CString::operator+=(wchar_t ch) {
 }
 
 void CString::FormatV(const wchar_t* format, va_list args) {
-    text_ = mfc_detail::formatVa(format, args);
+    text_ = db::formatVa(format, args);
 }
 
 void CString::AppendFormatV(const wchar_t* format, va_list args) {
-    text_ += mfc_detail::formatVa(format, args);
+    text_ += db::formatVa(format, args);
 }
 
 std::ostream& operator<<(std::ostream& out, const CString& text) {

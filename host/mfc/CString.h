@@ -11,29 +11,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "host/db/WindowsFormat.h"
 #include "host/mfc/afx.h"
-
-namespace mfc_detail {
-
-// One argument of Format, captured with its type so that the conversion in the format
-// string cannot misread it.
-struct FormatArg {
-    enum class Kind { None, Signed, Unsigned, Floating, Wide, Narrow, Pointer };
-    Kind kind = Kind::None;
-    int size = 0;  // bytes of the original integer, for %d of an unsigned and the like
-    long long i = 0;
-    unsigned long long u = 0;
-    long double f = 0;
-    const wchar_t* ws = nullptr;
-    const char* s = nullptr;  // UTF-8
-    std::size_t length = 0;   // of ws or s
-    const void* p = nullptr;
-};
-
-std::wstring formatArgs(const wchar_t* format, const FormatArg* args, std::size_t count);
-std::wstring formatVa(const wchar_t* format, va_list args);
-
-}  // namespace mfc_detail
 
 class CString {
   public:
@@ -186,9 +165,9 @@ struct std::hash<CString> {
 namespace mfc_detail {
 
 template <typename T>
-FormatArg toFormatArg(const T& value) {
+db::FormatArg toFormatArg(const T& value) {
     using U = std::remove_cv_t<T>;
-    FormatArg arg;
+    db::FormatArg arg;
     if constexpr (std::is_array_v<U>) {
         using E = std::remove_cv_t<std::remove_extent_t<U>>;
         static_assert(std::is_same_v<E, wchar_t> || std::is_same_v<E, char>,
@@ -197,15 +176,15 @@ FormatArg toFormatArg(const T& value) {
         while (n < std::extent_v<U> && value[n] != 0)
             ++n;
         if constexpr (std::is_same_v<E, wchar_t>) {
-            arg.kind = FormatArg::Kind::Wide;
+            arg.kind = db::FormatArg::Kind::Wide;
             arg.ws = value;
         } else {
-            arg.kind = FormatArg::Kind::Narrow;
+            arg.kind = db::FormatArg::Kind::Narrow;
             arg.s = value;
         }
         arg.length = n;
     } else if constexpr (std::is_same_v<U, bool>) {
-        arg.kind = FormatArg::Kind::Signed;
+        arg.kind = db::FormatArg::Kind::Signed;
         arg.size = sizeof(int);
         arg.i = value ? 1 : 0;
     } else if constexpr (std::is_integral_v<U> || std::is_enum_v<U>) {
@@ -213,38 +192,38 @@ FormatArg toFormatArg(const T& value) {
                                               std::type_identity<U>>::type;
         arg.size = sizeof(I);
         if constexpr (std::is_signed_v<I>) {
-            arg.kind = FormatArg::Kind::Signed;
+            arg.kind = db::FormatArg::Kind::Signed;
             arg.i = static_cast<long long>(value);
         } else {
-            arg.kind = FormatArg::Kind::Unsigned;
+            arg.kind = db::FormatArg::Kind::Unsigned;
             arg.u = static_cast<unsigned long long>(value);
         }
     } else if constexpr (std::is_floating_point_v<U>) {
-        arg.kind = FormatArg::Kind::Floating;
+        arg.kind = db::FormatArg::Kind::Floating;
         arg.size = sizeof(U);
         arg.f = value;
     } else if constexpr (std::is_same_v<U, const wchar_t*> || std::is_same_v<U, wchar_t*>) {
-        arg.kind = FormatArg::Kind::Wide;
+        arg.kind = db::FormatArg::Kind::Wide;
         arg.ws = value;
         arg.length = value ? std::char_traits<wchar_t>::length(value) : 0;
     } else if constexpr (std::is_same_v<U, const char*> || std::is_same_v<U, char*>) {
-        arg.kind = FormatArg::Kind::Narrow;
+        arg.kind = db::FormatArg::Kind::Narrow;
         arg.s = value;
         arg.length = value ? std::char_traits<char>::length(value) : 0;
     } else if constexpr (std::is_same_v<U, CString>) {
-        arg.kind = FormatArg::Kind::Wide;
+        arg.kind = db::FormatArg::Kind::Wide;
         arg.ws = value.GetString();
         arg.length = static_cast<std::size_t>(value.GetLength());
     } else if constexpr (std::is_same_v<U, std::wstring> || std::is_same_v<U, std::wstring_view>) {
-        arg.kind = FormatArg::Kind::Wide;
+        arg.kind = db::FormatArg::Kind::Wide;
         arg.ws = value.data();
         arg.length = value.size();
     } else if constexpr (std::is_same_v<U, std::string> || std::is_same_v<U, std::string_view>) {
-        arg.kind = FormatArg::Kind::Narrow;
+        arg.kind = db::FormatArg::Kind::Narrow;
         arg.s = value.data();
         arg.length = value.size();
     } else if constexpr (std::is_pointer_v<U> || std::is_null_pointer_v<U>) {
-        arg.kind = FormatArg::Kind::Pointer;
+        arg.kind = db::FormatArg::Kind::Pointer;
         arg.p = value;
     } else {
         static_assert(std::is_pointer_v<U>, "Format cannot print this type");
@@ -256,12 +235,12 @@ FormatArg toFormatArg(const T& value) {
 
 template <typename... Args>
 void CString::Format(const wchar_t* format, const Args&... args) {
-    const mfc_detail::FormatArg list[] = {mfc_detail::toFormatArg(args)..., {}};
-    text_ = mfc_detail::formatArgs(format, list, sizeof...(Args));
+    const db::FormatArg list[] = {mfc_detail::toFormatArg(args)..., {}};
+    text_ = db::formatArgs(format, list, sizeof...(Args));
 }
 
 template <typename... Args>
 void CString::AppendFormat(const wchar_t* format, const Args&... args) {
-    const mfc_detail::FormatArg list[] = {mfc_detail::toFormatArg(args)..., {}};
-    text_ += mfc_detail::formatArgs(format, list, sizeof...(Args));
+    const db::FormatArg list[] = {mfc_detail::toFormatArg(args)..., {}};
+    text_ += db::formatArgs(format, list, sizeof...(Args));
 }

@@ -8,13 +8,12 @@
 #include "tests/support/TempStandards.h"
 
 class XDataAccessTest : public KplanTest {
-protected:
-    TempStandards standards_;
-
+  protected:
     // A parcel carrying simple items of the given applications.
     AcDbObjectId parcelWith(std::initializer_list<const wchar_t*> apps) {
         AcDbObjectId id = addRectangle(0, 0, 10, 10);
-        for (const wchar_t* app : apps) ARX_DATA::CFSimpleXData::SetTo(id, app, L"x");
+        for (const wchar_t* app : apps)
+            ARX_DATA::CFSimpleXData::SetTo(id, app, L"x");
         return id;
     }
     // A parcel with a GIS record holding one field.
@@ -31,16 +30,11 @@ TEST_F(XDataAccessTest, RecordGenerationFollowsTheCheckOrder) {
         std::initializer_list<const wchar_t*> apps;
         int generation;
     } cases[] = {
-        {{dk::FAPP_GHDK}, 3},
-        {{dk::FAPP_GHDK_TX}, 3},
-        {{dk::FAPP_GHDK_FJ}, 0},
-        {{dk::APP_DKBJ, dk::FAPP_XZDK}, 3},
-        {{dk::APP_DKSX}, 2},
-        {{dk::APP_DKBJ, dk::APP_DKSX}, 2},
-        {{dk::APP_DKBJ}, 1},
-        {{dk::FAPP_GHDK_FJ, dk::APP_DKBJ}, 1},
-        {{L"FAPP_DKTC"}, 0},
-        {{}, 0},
+        {{dk::FAPP_GHDK}, 3},    {{dk::FAPP_GHDK_TX}, 3},
+        {{dk::FAPP_GHDK_FJ}, 0}, {{dk::APP_DKBJ, dk::FAPP_XZDK}, 3},
+        {{dk::APP_DKSX}, 2},     {{dk::APP_DKBJ, dk::APP_DKSX}, 2},
+        {{dk::APP_DKBJ}, 1},     {{dk::FAPP_GHDK_FJ, dk::APP_DKBJ}, 1},
+        {{L"FAPP_DKTC"}, 0},     {{}, 0},
     };
     for (const Case& c : cases) {
         AcDbObjectId id = parcelWith(c.apps);
@@ -119,7 +113,8 @@ TEST_F(XDataAccessTest, AssociationStringRoundTrip) {
     AcDbObjectId c = record(dk::FAPP_GHDK, dk::FS_ENTCODE, L"C3");
     EXPECT_EQ(FWriteAssocDataToTZKDict(sheet, AcDbObjectIdArray()), 0);
     AcDbObjectIdArray parcels;
-    for (AcDbObjectId id : {a, b, c}) parcels.append(id);
+    for (AcDbObjectId id : {a, b, c})
+        parcels.append(id);
     ASSERT_EQ(FWriteAssocDataToTZKDict(sheet, parcels), 1);
 
     CString data;
@@ -127,7 +122,8 @@ TEST_F(XDataAccessTest, AssociationStringRoundTrip) {
     EXPECT_EQ(data, CString(L"1,C1|2,") + CString(b.handle().text()) + L"|3,C3");
 
     AcDbObjectIdArray candidates, matched;
-    for (AcDbObjectId id : {c, b, a}) candidates.append(id);
+    for (AcDbObjectId id : {c, b, a})
+        candidates.append(id);
     ASSERT_EQ(FReadAssocDKFromTZKDict(sheet, candidates, matched), 1);
     EXPECT_EQ(matched.length(), 2);
     EXPECT_TRUE(matched.contains(a) && matched.contains(c));
@@ -156,10 +152,10 @@ TEST_F(XDataAccessTest, RemoveInvalidIds) {
 TEST_F(XDataAccessTest, FieldFileNamesAreSetTrimmed) {
     CString value;
     EXPECT_EQ(FGetValueFromFieldName(L"FAPP_GHDK", L"FILE", value), 0) << "no register yet";
-    standards_.write(L"参数配置/FAppDataSet.ini",
-                     L"[FAPP_GHDK]\r\nFILE=控规地块属性.INI\r\nNAME=plain\r\nX=Data.TXT\r\n"
-                     L"Y=main.xml\r\n",
-                     TempStandards::Encoding::Gbk);
+    standards().write(L"参数配置/FAppDataSet.ini",
+                      L"[FAPP_GHDK]\r\nFILE=控规地块属性.INI\r\nNAME=plain\r\nX=Data.TXT\r\n"
+                      L"Y=main.xml\r\n",
+                      TempStandards::Encoding::Gbk);
     struct Case {
         const wchar_t* key;
         const wchar_t* expected;
@@ -183,9 +179,9 @@ TEST_F(XDataAccessTest, DataCodes) {
         int result;
         const wchar_t* code;
     } cases[] = {
-        {L"R", 1, L"DR00000"},    {L"R2", 1, L"DR20000"},   {L"E1", 1, L"LE10000"},
-        {L"R21", 1, L"DR20100"},  {L" h1 ", 1, L"Lh10000"}, {L"H11", 1, L"LH10100"},
-        {L"e", 1, L"Le00000"},    {L"R2/B1", 0, L""},       {L"R211", 0, L""},
+        {L"R", 1, L"DR00000"},   {L"R2", 1, L"DR20000"},   {L"E1", 1, L"LE10000"},
+        {L"R21", 1, L"DR20100"}, {L" h1 ", 1, L"Lh10000"}, {L"H11", 1, L"LH10100"},
+        {L"e", 1, L"Le00000"},   {L"R2/B1", 0, L""},       {L"R211", 0, L""},
         {L"   ", 0, L""},
     };
     for (const Case& c : cases) {
@@ -199,7 +195,7 @@ TEST_F(XDataAccessTest, PlanningTypeNumbers) {
     struct Case {
         const wchar_t* cached;
         int number;
-    } cases[] = {{L"FG,分区规划", 1}, {L"ZG,总体规划", 2}, {L"TX,城镇体系规划", 3},
+    } cases[] = {{L"FG,分区规划", 1},     {L"ZG,总体规划", 2},       {L"TX,城镇体系规划", 3},
                  {L"FJ,风景园林规划", 4}, {L"KG,控制性详细规划", 0}, {L"", 0}};
     for (const Case& c : cases) {
         CKovaDataSet::FSetNameDict_GHType(c.cached);
@@ -217,8 +213,10 @@ TEST_F(XDataAccessTest, StringAndColourUtilities) {
         int found;
         const wchar_t *max, *min;
     } ranges[] = {
-        {L"1.2-2.5", 1, L"2.5", L"1.2"},   {L"≤24/36", 1, L"36", L"24"},
-        {L"-0.5~1.0", 1, L"1.0", L"-0.5"}, {L"高度 100", 1, L"100", L"100"},
+        {L"1.2-2.5", 1, L"2.5", L"1.2"},
+        {L"≤24/36", 1, L"36", L"24"},
+        {L"-0.5~1.0", 1, L"1.0", L"-0.5"},
+        {L"高度 100", 1, L"100", L"100"},
         {L"无", 0, L"", L""},
     };
     for (const Range& r : ranges) {
@@ -232,8 +230,8 @@ TEST_F(XDataAccessTest, StringAndColourUtilities) {
     struct Colour {
         const wchar_t* text;
         const wchar_t* number;
-    } colours[] = {{L" 3 ", L"3"}, {L"(255,255,0)/2 *GH", L"(255,255,0)/2"}, {L"红", L""},
-                   {L"12a", L"12"}};
+    } colours[] = {
+        {L" 3 ", L"3"}, {L"(255,255,0)/2 *GH", L"(255,255,0)/2"}, {L"红", L""}, {L"12a", L"12"}};
     for (const Colour& c : colours) {
         CString number;
         FGetColorNumFromStr(c.text, number);
@@ -245,9 +243,9 @@ TEST_F(XDataAccessTest, StringAndColourUtilities) {
 
 TEST_F(XDataAccessTest, DefaultClassComesFromTheTable) {
     EXPECT_EQ(FGetDftDKClass(), CString(L"KB"));
-    standards_.writeClassTable(L"R2:二类居住用地\r\nA1:行政办公用地\r\n");
+    standards().writeClassTable(L"R2:二类居住用地\r\nA1:行政办公用地\r\n");
     EXPECT_EQ(FGetDftDKClass(), CString(L"A1"));
-    standards_.writeClassTable(L"R2:二类居住用地\r\nKB:空白用地\r\n");
+    standards().writeClassTable(L"R2:二类居住用地\r\nKB:空白用地\r\n");
     EXPECT_EQ(FGetDftDKClass(), CString(L"KB"));
 }
 
@@ -258,14 +256,18 @@ TEST_F(XDataAccessTest, ConfirmationPromptsAndKeywords) {
         int result;
         const wchar_t* prompt;
     } cases[] = {
-        {L"", 1, 1, L"\n删除地块?[(Y)/(N)]<Y>:"},  {L"", 0, 0, L"\n删除地块?[(Y)/(N)]<N>:"},
-        {L"n", 1, 0, L"<Y>:"},                       {L"Y", 0, 1, L"<N>:"},
+        {L"", 1, 1, L"\n删除地块?[(Y)/(N)]<Y>:"},
+        {L"", 0, 0, L"\n删除地块?[(Y)/(N)]<N>:"},
+        {L"n", 1, 0, L"<Y>:"},
+        {L"Y", 0, 1, L"<N>:"},
         {L"<esc>", 1, -1, L"<Y>:"},
     };
     for (const Case& c : cases) {
         input().push(c.answer);
         db::commandLine().clearTranscript();
-        EXPECT_EQ(KovaIsConfirm(L"删除地块?", c.defaultYes), c.result) << CString(c.answer).ToUtf8();
-        EXPECT_NE(transcript().find(c.prompt), std::wstring::npos) << CString(transcript()).ToUtf8();
+        EXPECT_EQ(KovaIsConfirm(L"删除地块?", c.defaultYes), c.result)
+            << CString(c.answer).ToUtf8();
+        EXPECT_NE(transcript().find(c.prompt), std::wstring::npos)
+            << CString(transcript()).ToUtf8();
     }
 }

@@ -1,7 +1,7 @@
 #include "tests/support/KplanTest.h"
 
-#include "host/arx/dbents.h"
 #include "host/arx/acedads.h"
+#include "host/arx/dbents.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
 
@@ -10,6 +10,7 @@ void KplanTest::SetUp() {
     acDocManager->closeAll();
     document_ = acDocManager->appendDocument();
     input_ = db::useScriptedInput();
+    standards_ = std::make_unique<TempStandards>();
     db::commandLine().clearTranscript();
     arx::resetSystemVariables();
 }
@@ -22,6 +23,7 @@ void KplanTest::TearDown() {
     acDocManager->closeAll();
     document_ = nullptr;
     input_.reset();
+    standards_.reset();
     db::useScriptedInput();
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 // The fixture of every test that touches a drawing: a fresh current document per
-// test, helpers that draw what planners draw, and a check in TearDown that the test
-// closed every object and released every list and selection set it used.
+// test, an empty standards directory of its own, a scripted command line, helpers that
+// draw what planners draw, and a check in TearDown that the test closed every object
+// and released every list and selection set it used.
 #include <gtest/gtest.h>
 
 #include <initializer_list>
@@ -12,6 +13,7 @@
 #include "host/arx/dbmain.h"
 #include "host/db/CommandLine.h"
 #include "tests/support/LeakCheck.h"
+#include "tests/support/TempStandards.h"
 
 class KplanTest : public ::testing::Test {
   protected:
@@ -22,6 +24,8 @@ class KplanTest : public ::testing::Test {
     AcApDocument* document() const { return document_; }
     // The user's answers, queued before the call that asks; a dry queue cancels.
     db::ScriptedInput& input() const { return *input_; }
+    // The test's own standards directory, empty until the test writes files into it.
+    TempStandards& standards() { return *standards_; }
     // Everything printed on the command line since the test began.
     const std::wstring& transcript() const { return db::commandLine().transcript(); }
 
@@ -39,5 +43,6 @@ class KplanTest : public ::testing::Test {
   private:
     LeakCheck* leaks_ = nullptr;
     std::shared_ptr<db::ScriptedInput> input_;
+    std::unique_ptr<TempStandards> standards_;
     AcApDocument* document_ = nullptr;
 };

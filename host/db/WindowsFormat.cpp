@@ -1,6 +1,6 @@
-// printf formatting of CString with the Windows runtime's conventions. Each conversion is
-// rendered on its own (numbers through snprintf, strings and characters here), so wide and
-// narrow strings never pass through the C library's locale-dependent conversions.
+// Each conversion is rendered on its own (numbers through snprintf, strings and characters
+// here), so wide and narrow strings never pass through the C library's locale-dependent
+// conversions.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -9,9 +9,9 @@
 #include <string>
 
 #include "host/db/TextCodec.h"
-#include "host/mfc/CString.h"
+#include "host/db/WindowsFormat.h"
 
-namespace mfc_detail {
+namespace db {
 
 namespace {
 
@@ -531,4 +531,4 @@ std::wstring formatVa(const wchar_t* fmt, va_list args) {
     return out;
 }
 
-}  // namespace mfc_detail
+}  // namespace db

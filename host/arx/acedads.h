@@ -79,9 +79,6 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result);
 int acedSSDel(const ads_name entity, const ads_name ss);
 int acedSSMemb(const ads_name entity, const ads_name ss);
 
-// The host's wcmatch (see host/db/WildcardMatch.h), case-sensitive: RTNORM on a match,
-// RTERROR otherwise.
-int acutWcMatch(const ACHAR* string, const ACHAR* pattern);
 
 namespace arx {
 // Puts the system variables that belong to the application (not to a drawing) back to

@@ -19,6 +19,9 @@ int acutUpdString(const ACHAR* text, ACHAR*& target);
 resbuf* acutDuplicateRb(const resbuf* list);
 
 int acutPrintf(const ACHAR* format, ...);
+// The host's wcmatch (see host/db/WildcardMatch.h), case-sensitive: RTNORM on a match,
+// RTERROR otherwise.
+int acutWcMatch(const ACHAR* string, const ACHAR* pattern);
 
 // What kind of value a result-buffer type carries (an RT code or a group code).
 db::ValueKind acutValueKindOfType(int type);

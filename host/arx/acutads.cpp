@@ -18,6 +18,22 @@ ACHAR* copyString(const ACHAR* text) {
     return copy;
 }
 
+// A list built front to back.
+struct Chain {
+    resbuf* head = nullptr;
+    resbuf* tail = nullptr;
+    void append(resbuf* rb) {
+        (tail ? tail->rbnext : head) = rb;
+        tail = rb;
+    }
+};
+
+void setBinary(resbuf* rb, const char* data, short length) {
+    rb->resval.rbinary.clen = length;
+    rb->resval.rbinary.buf = new char[length > 0 ? length : 1];
+    if (length > 0) std::memcpy(rb->resval.rbinary.buf, data, static_cast<std::size_t>(length));
+}
+
 bool isStringKind(db::ValueKind kind) {
     return kind == db::ValueKind::String || kind == db::ValueKind::Handle;
 }
@@ -116,8 +132,7 @@ int acutUpdString(const ACHAR* text, ACHAR*& target) {
 resbuf* acutBuildList(int type, ...) {
     va_list args;
     va_start(args, type);
-    resbuf* head = nullptr;
-    resbuf* tail = nullptr;
+    Chain chain;
     bool ok = true;
     while (type != 0 && type != RTNONE) {
         resbuf* rb = acutNewRb(type);
@@ -153,10 +168,7 @@ resbuf* acutBuildList(int type, ...) {
             }
             case db::ValueKind::Binary: {
                 const ads_binary* bin = va_arg(args, const ads_binary*);
-                short n = bin ? bin->clen : 0;
-                rb->resval.rbinary.clen = n;
-                rb->resval.rbinary.buf = new char[n > 0 ? n : 1];
-                if (n > 0) std::memcpy(rb->resval.rbinary.buf, bin->buf, n);
+                setBinary(rb, bin ? bin->buf : nullptr, bin ? bin->clen : 0);
                 break;
             }
             case db::ValueKind::None:
@@ -166,26 +178,20 @@ resbuf* acutBuildList(int type, ...) {
                 }
                 break;
         }
-        if (tail) {
-            tail->rbnext = rb;
-        } else {
-            head = rb;
-        }
-        tail = rb;
+        chain.append(rb);
         if (!ok) break;
         type = va_arg(args, int);
     }
     va_end(args);
     if (!ok) {
-        acutRelRb(head);
+        acutRelRb(chain.head);
         return nullptr;
     }
-    return head;
+    return chain.head;
 }
 
 resbuf* acutDuplicateRb(const resbuf* list) {
-    resbuf* head = nullptr;
-    resbuf* tail = nullptr;
+    Chain chain;
     for (; list != nullptr; list = list->rbnext) {
         resbuf* rb = acutNewRb(list->restype);
         rb->resval = list->resval;
@@ -193,23 +199,15 @@ resbuf* acutDuplicateRb(const resbuf* list) {
         if (isStringKind(kind)) {
             rb->resval.rstring = copyString(list->resval.rstring);
         } else if (kind == db::ValueKind::Binary) {
-            short n = list->resval.rbinary.clen;
-            rb->resval.rbinary.buf = new char[n > 0 ? n : 1];
-            if (n > 0) std::memcpy(rb->resval.rbinary.buf, list->resval.rbinary.buf, n);
+            setBinary(rb, list->resval.rbinary.buf, list->resval.rbinary.clen);
         }
-        if (tail) {
-            tail->rbnext = rb;
-        } else {
-            head = rb;
-        }
-        tail = rb;
+        chain.append(rb);
     }
-    return head;
+    return chain.head;
 }
 
 resbuf* acutValuesToRb(const db::ValueList& values) {
-    resbuf* head = nullptr;
-    resbuf* tail = nullptr;
+    Chain chain;
     for (const db::Value& v : values) {
         resbuf* rb = acutNewRb(v.code);
         switch (acutValueKindOfType(v.code)) {
@@ -247,23 +245,16 @@ resbuf* acutValuesToRb(const db::ValueList& values) {
                 break;
             case db::ValueKind::Binary: {
                 const db::Bytes* bytes = std::get_if<db::Bytes>(&v.data);
-                short n = bytes ? static_cast<short>(bytes->size()) : 0;
-                rb->resval.rbinary.clen = n;
-                rb->resval.rbinary.buf = new char[n > 0 ? n : 1];
-                if (n > 0) std::memcpy(rb->resval.rbinary.buf, bytes->data(), n);
+                setBinary(rb, bytes ? reinterpret_cast<const char*>(bytes->data()) : nullptr,
+                          bytes ? static_cast<short>(bytes->size()) : 0);
                 break;
             }
             case db::ValueKind::None:
                 break;
         }
-        if (tail) {
-            tail->rbnext = rb;
-        } else {
-            head = rb;
-        }
-        tail = rb;
+        chain.append(rb);
     }
-    return head;
+    return chain.head;
 }
 
 bool acutRbToValues(const resbuf* list, db::ValueList& values) {

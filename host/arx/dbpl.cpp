@@ -94,6 +94,17 @@ bool AcDbPolyline::isOnlyLines() const {
     return true;
 }
 
+void AcDbPolyline::collect(std::vector<AcGePoint2d>& points, std::vector<double>& bulges) const {
+    points.clear();
+    bulges.clear();
+    points.reserve(vertices_.size());
+    bulges.reserve(vertices_.size());
+    for (const Vertex& v : vertices_) {
+        points.push_back(v.point);
+        bulges.push_back(v.bulge);
+    }
+}
+
 void AcDbPolyline::setClosed(bool closed) {
     if (isWriteEnabled()) closed_ = closed;
 }

@@ -23,6 +23,8 @@ class AcDbPolyline : public AcDbCurve {
     Acad::ErrorStatus getWidthsAt(unsigned int index, double& startWidth, double& endWidth) const;
     Acad::ErrorStatus setWidthsAt(unsigned int index, double startWidth, double endWidth);
     bool isOnlyLines() const;
+    // Every vertex's point and bulge, in order.
+    void collect(std::vector<AcGePoint2d>& points, std::vector<double>& bulges) const;
 
     bool isClosed() const override { return closed_; }
     void setClosed(bool closed);

@@ -87,24 +87,15 @@ bool entityOutline(const AcDbEntity* entity, std::vector<AcGePoint2d>& points, b
     points.clear();
     closed = false;
     if (chordTolerance <= 0) chordTolerance = 0.01;
+    std::vector<AcGePoint2d> vertices;
+    std::vector<double> bulges;
     if (auto* pline = AcDbPolyline::cast(entity)) {
-        std::vector<AcGePoint2d> vertices;
-        std::vector<double> bulges;
-        for (unsigned int i = 0; i < pline->numVerts(); ++i) {
-            AcGePoint2d p;
-            double b = 0;
-            pline->getPointAt(i, p);
-            pline->getBulgeAt(i, b);
-            vertices.push_back(p);
-            bulges.push_back(b);
-        }
+        pline->collect(vertices, bulges);
         closed = pline->isClosed();
         appendVertices(vertices, bulges, closed, chordTolerance, points);
         return !points.empty();
     }
     if (auto* pline = AcDb2dPolyline::cast(entity)) {
-        std::vector<AcGePoint2d> vertices;
-        std::vector<double> bulges;
         pline->collect(vertices, bulges);
         closed = pline->isClosed();
         appendVertices(vertices, bulges, closed, chordTolerance, points);

@@ -22,24 +22,16 @@ bool outlineOf(const AcDbEntity* ent, AcGePoint3dArray& points, AcGeDoubleArray&
     points.removeAll();
     bulges.removeAll();
     bool closed = true;
+    std::vector<AcGePoint2d> vertices;
+    std::vector<double> vertexBulges;
+    double elevation = 0;
     if (auto* pline = AcDbPolyline::cast(ent)) {
-        for (unsigned int i = 0; i < pline->numVerts(); ++i) {
-            AcGePoint3d p;
-            double bulge = 0;
-            pline->getPointAt(i, p);
-            pline->getBulgeAt(i, bulge);
-            points.append(p);
-            bulges.append(bulge);
-        }
+        pline->collect(vertices, vertexBulges);
+        elevation = pline->elevation();
         closed = pline->isClosed();
     } else if (auto* pline2d = AcDb2dPolyline::cast(ent)) {
-        std::vector<AcGePoint2d> vertices;
-        std::vector<double> vertexBulges;
         pline2d->collect(vertices, vertexBulges);
-        for (std::size_t i = 0; i < vertices.size(); ++i) {
-            points.append({vertices[i].x, vertices[i].y, pline2d->elevation()});
-            bulges.append(vertexBulges[i]);
-        }
+        elevation = pline2d->elevation();
         closed = pline2d->isClosed();
     } else if (auto* circle = AcDbCircle::cast(ent)) {
         AcGePoint3d c = circle->center();
@@ -66,6 +58,10 @@ bool outlineOf(const AcDbEntity* ent, AcGePoint3dArray& points, AcGeDoubleArray&
         closed = false;
     } else {
         return false;
+    }
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        points.append({vertices[i].x, vertices[i].y, elevation});
+        bulges.append(vertexBulges[i]);
     }
     if (!closed && bulges.length() > 0) bulges.last() = 0.0;
     return points.length() > 0;

@@ -163,4 +163,118 @@ inline constexpr const wchar_t* FD_JZDBG = L"FD_JZDBG";
 inline constexpr const wchar_t* FD_JZZDMJ = L"FD_JZZDMJ";
 inline constexpr const wchar_t* FD_MJXS = L"FD_MJXS";
 
+// Field labels: the Chinese names accepted in place of keys, and the labels of the
+// older record generations.
+inline constexpr const wchar_t* LBL_DKBH = L"地块编号";
+inline constexpr const wchar_t* LBL_DKLB = L"地块类别";
+inline constexpr const wchar_t* LBL_DKXZ = L"地块性质";
+inline constexpr const wchar_t* LBL_XZMC = L"性质名称";
+inline constexpr const wchar_t* LBL_RJL = L"容积率";
+inline constexpr const wchar_t* LBL_LDL = L"绿地率";
+inline constexpr const wchar_t* LBL_JZMD = L"建筑密度";
+inline constexpr const wchar_t* LBL_RKMD = L"人口密度";
+inline constexpr const wchar_t* LBL_JZXG = L"建筑限高";
+inline constexpr const wchar_t* LBL_JZKZGD = L"建筑控制高度";
+inline constexpr const wchar_t* LBL_YDMJ = L"用地面积";
+inline constexpr const wchar_t* LBL_MJ = L"面积";  // writing only
+inline constexpr const wchar_t* LBL_JZMJ = L"建筑面积";
+inline constexpr const wchar_t* LBL_JDCW = L"机动车位";
+inline constexpr const wchar_t* LBL_TCW = L"停车位";
+inline constexpr const wchar_t* LBL_FJDCW = L"非机动车位";
+inline constexpr const wchar_t* LBL_DKPJBG = L"地块平均标高";  // shares FN_FJDCW
+inline constexpr const wchar_t* LBL_ZHS = L"总户数";
+inline constexpr const wchar_t* LBL_HS = L"户数";
+inline constexpr const wchar_t* LBL_ZRKS = L"总人口数";
+inline constexpr const wchar_t* LBL_DKPD = L"地块坡度";  // shares FN_ZRKS
+inline constexpr const wchar_t* LBL_DLKKFX = L"道路开口方向";
+inline constexpr const wchar_t* LBL_PTGJ = L"配套公建";
+inline constexpr const wchar_t* LBL_JRXZ = L"兼容性质";
+inline constexpr const wchar_t* LBL_BZ = L"备注";
+
+struct LabelKey {
+    const wchar_t* label;
+    const wchar_t* key;
+};
+
+// Labels of current records and their keys, compared in this order.
+inline constexpr LabelKey LABEL_KEYS[] = {
+    {LBL_DKBH, FS_DKBH}, {LBL_DKLB, FS_DKXZ},   {LBL_DKXZ, FS_YDXZ},   {LBL_XZMC, FS_XZMC},
+    {LBL_RJL, FD_RJL},   {LBL_LDL, FD_LDL},     {LBL_JZMD, FD_JZMD},   {LBL_RKMD, FS_RKMD},
+    {LBL_JZXG, FD_JZXG}, {LBL_JZKZGD, FD_JZXG}, {LBL_YDMJ, FD_YDMJ},   {LBL_JZMJ, FD_JZMJ},
+    {LBL_JDCW, FN_JDCW}, {LBL_TCW, FN_JDCW},    {LBL_FJDCW, FN_FJDCW}, {LBL_DKPJBG, FN_FJDCW},
+    {LBL_ZHS, FN_ZHS},   {LBL_ZRKS, FN_ZRKS},   {LBL_DKPD, FN_ZRKS},   {LBL_DLKKFX, FS_DLKKFX},
+    {LBL_PTGJ, FS_PTSS}, {LBL_JRXZ, FS_JRXZ},   {LBL_BZ, FS_BZ},
+};
+
+struct OldLabels {
+    const wchar_t* key;
+    const wchar_t* first;   // "地块边界" lists
+    const wchar_t* second;  // "地块属性" records
+};
+
+// What older generations call a key; other keys are stored under their own name.
+inline constexpr OldLabels OLD_LABELS[] = {
+    {FD_JZXG, LBL_JZKZGD, LBL_JZXG},   {FN_ZHS, LBL_HS, LBL_ZHS},
+    {FN_FJDCW, LBL_DKPJBG, LBL_FJDCW}, {FN_ZRKS, LBL_DKPD, LBL_ZRKS},
+    {FN_JDCW, LBL_TCW, LBL_JDCW},      {FS_DKBH, LBL_DKBH, LBL_DKBH},
+    {FS_DKXZ, LBL_DKLB, LBL_DKLB},     {FD_RJL, LBL_RJL, LBL_RJL},
+    {FD_LDL, LBL_LDL, LBL_LDL},        {FD_JZMD, LBL_JZMD, LBL_JZMD},
+    {FS_RKMD, LBL_RKMD, LBL_RKMD},     {FS_DLKKFX, LBL_DLKKFX, LBL_DLKKFX},
+    {FS_PTSS, LBL_PTGJ, LBL_PTGJ},     {FS_XZMC, LBL_XZMC, LBL_XZMC},
+    {FS_JRXZ, LBL_JRXZ, LBL_JRXZ},
+};
+
+// The basic fields of a planned or current-status parcel, in their fixed order.
+inline constexpr const wchar_t* BASIC_FIELDS[] = {
+    FS_DKBH, FS_DKXZ, FS_XZMC,   FD_RJL,  FD_LDL,  FD_JZMD, FD_JZXG,   FN_JDCW, FN_FJDCW, FN_ZHS,
+    FN_ZRKS, FS_RKMD, FS_DLKKFX, FS_PTSS, FD_YDMJ, FD_JZMJ, FD_DXJZMJ, FS_JRXZ, FS_HHBL,  FS_BZ,
+};
+
+// The fields of a first-generation parcel, in the fixed order of its bulk forms.
+inline constexpr const wchar_t* LEGACY_FIELDS[] = {
+    LBL_DKBH,   LBL_DKLB, LBL_XZMC,   LBL_RJL, LBL_LDL, LBL_JZMD, LBL_RKMD, LBL_JZKZGD,
+    LBL_DKPJBG, LBL_DKPD, LBL_DLKKFX, LBL_TCW, LBL_HS,  LBL_JRXZ, LBL_PTGJ, LBL_YDMJ,
+};
+
+// Type labels written when a planned parcel record is created.
+inline constexpr const wchar_t* TYPE_KGDK = L"控规地块";
+inline constexpr const wchar_t* TYPE_FGDK = L"分规地块";
+inline constexpr const wchar_t* TYPE_ZGDK = L"总规地块";
+inline constexpr const wchar_t* TYPE_TXDK = L"城镇体系规划地块";
+inline constexpr const wchar_t* TYPE_FJDK = L"风景园林规划地块";
+
+// Values of the simple marker items.
+inline constexpr const wchar_t* MARK_XZDK = L"现状地块=";
+inline constexpr const wchar_t* MARK_GHDX = L"规划地下=";
+inline constexpr const wchar_t* MARK_XZDX = L"现状地下=";
+
+// Soft-link names from a parcel to its islands: written, and the older one, read only.
+inline constexpr const wchar_t* LINK_ISLAND = L"DKBJ_LINK_NLK";
+inline constexpr const wchar_t* LINK_ISLAND_OLD = L"地块内轮廓";
+
+// Project parameters (yes/no) that steer the area rules.
+inline constexpr const wchar_t* PARAM_CALC_AREA = L"核算时用地面积是否采用计算值[是(Y)/否(N)]";
+inline constexpr const wchar_t* PARAM_CUT_BOUNDARY =
+    L"有范围线统计出表时，与范围线相交地块自动裁剪计算面积[是(Y)/否(N)]";
+
+// Entity types of the parcel scans.
+inline constexpr const wchar_t* TYPES_PARCEL = L"*POLYLINE,CIRCLE";
+inline constexpr const wchar_t* TYPES_LEGACY_PARCEL = L"POLYLINE,LWPOLYLINE,CIRCLE";
+inline constexpr const wchar_t* TYPES_LEGACY_XZYD = L"LWPOLYLINE,POLYLINE";
+// Applications of the first-generation scan.
+inline constexpr const wchar_t* LIST_LEGACY_DK = L"地块边界,地块属性";
+
+// The oldest planning-data format: attributes in a drawing dictionary, reached through
+// a link list of the entity.
+inline constexpr const wchar_t* QM_DKXX = L"QM_DKXX";
+inline constexpr const wchar_t* QM_ENTLINK = L"QM_ENTLINK";
+inline constexpr const wchar_t* QM_LINKLIST = L"LINKLIST";
+inline constexpr const wchar_t* QM_TYPE_GHYD = L"规划用地";
+inline constexpr const wchar_t* QM_LBL_DKXZ = L"地块性质";
+inline constexpr const wchar_t* QM_YDLB = L"00_ydlb";  // class; falls back to "地块性质"
+inline constexpr const wchar_t* QM_FIELDS[] = {
+    L"00_dkbh",   L"00_ydfl", QM_YDLB,   L"00_dkbg", L"00_dkpd",   L"00_jzmd",
+    L"00_jzkzgd", L"00_rjl",  L"00_ldl", L"00_rkmd", L"00_dlkkfx",
+};
+
 }  // namespace dk

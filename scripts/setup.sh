@@ -9,6 +9,7 @@ packages=(
     libcli11-dev libpolyclipping-dev
     libgeos-dev python3 python3-ezdxf
     clang libclang-rt-14-dev clang-format
+    libdxflib-dev
 )
 
 missing=()

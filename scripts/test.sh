@@ -14,3 +14,19 @@ build() {
 }
 build build/release -DCMAKE_BUILD_TYPE=Release -DKPLAN_WERROR=ON
 build build/asan -DCMAKE_BUILD_TYPE=Debug -DKPLAN_SANITIZE=ON
+
+# The DXF reader under libFuzzer (clang, with the sanitizers) for a minute, from the
+# drawings of the tests; a crash, leak or sanitizer report fails, and the input is kept.
+fuzz=build/fuzz
+cmake -S . -B "$fuzz" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
+    -DKPLAN_FUZZ=ON -DKPLAN_TESTS=OFF -DKPLAN_BENCH=OFF >/dev/null
+cmake --build "$fuzz" -j "$jobs" --target dxf_fuzzer >/dev/null
+corpus=$(mktemp -d)
+if ! "$fuzz/fuzz/dxf_fuzzer" -max_total_time=60 -max_len=65536 -rss_limit_mb=2048 \
+        -artifact_prefix="$fuzz/" "$corpus" tests/data/dxf fuzz/corpus >"$fuzz/fuzz.log" 2>&1; then
+    tail -n 30 "$fuzz/fuzz.log"
+    echo "fuzz: the DXF reader failed on an input, kept in $fuzz/ (replay: dxf_fuzz_inputs FILE)"
+    exit 1
+fi
+rm -rf "$corpus"
+echo "fuzz: $(grep -a -o 'Done [0-9]* runs' "$fuzz/fuzz.log" | tail -n 1), no failure"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
@@ -308,6 +309,7 @@ bool evaluate(const Node& node, const AcDbEntity* entity) {
 struct Selection {
     std::optional<Node> filter;
     std::vector<db::EntityName> names;
+    std::set<db::EntityName> seen;  // a whole-drawing selection must stay linear
 
     bool accepts(const AcDbEntity* entity) const {
         return entity != nullptr && (!filter || evaluate(*filter, entity));
@@ -316,7 +318,7 @@ struct Selection {
     bool add(AcDbObjectId id) {
         db::EntityName name{};
         db::stubToName(id.stub(), name.data());
-        if (std::find(names.begin(), names.end(), name) != names.end()) return false;
+        if (!seen.insert(name).second) return false;
         names.push_back(name);
         return true;
     }

@@ -221,7 +221,18 @@ Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::Op
 
 // ---------------------------------------------------------------- AcDbObject
 
-AcDbObject::AcDbObject(const AcDbObject& other) : AcRxObject(other), xdata_(other.xdata_) {}
+AcDbObject::AcDbObject(const AcDbObject& other)
+    : AcRxObject(other), xdata_(other.unpackedXdata()) {}
+
+const db::ValueList& AcDbObject::unpackedXdata() const {
+    if (!packedXdata_.empty()) {
+        db::ValueList values;
+        unpack_(packedXdata_, values);
+        xdata_ = std::move(values);
+        std::string().swap(packedXdata_);
+    }
+    return xdata_;
+}
 
 AcDbObject::~AcDbObject() = default;
 
@@ -318,9 +329,9 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
 
 resbuf* AcDbObject::xData(const ACHAR* appName) const {
     if (appName == nullptr || *appName == 0)
-        return xdata_.empty() ? nullptr : acutValuesToRb(xdata_);
+        return xdataValues().empty() ? nullptr : acutValuesToRb(xdataValues());
     std::wstring key = arx::foldCase(appName);
-    for (const AppBlock& block : splitByApp(xdata_)) {
+    for (const AppBlock& block : splitByApp(xdataValues())) {
         if (arx::foldCase(block.app.c_str()) == key) return acutValuesToRb(block.values);
     }
     return nullptr;
@@ -355,7 +366,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {
         }
     }
 
-    std::vector<AppBlock> blocks = splitByApp(xdata_);
+    std::vector<AppBlock> blocks = splitByApp(xdataValues());
     for (AppBlock& change : changes) {
         std::wstring key = arx::foldCase(change.app.c_str());
         auto it = std::find_if(blocks.begin(), blocks.end(), [&](const AppBlock& b) {

@@ -83,9 +83,24 @@ class AcDbObject : public AcRxObject {
     // nothing after its 1001 loses its data. Names must be registered (APPID table).
     Acad::ErrorStatus setXData(const resbuf* xdata);
     // The xdata as stored: every application block starting with its 1001 item.
-    const db::ValueList& xdataValues() const { return xdata_; }
+    const db::ValueList& xdataValues() const { return unpackedXdata(); }
     // For loaders that bring xdata in unchecked (the application table may come later).
-    void restoreXdataValues(db::ValueList values) { xdata_ = std::move(values); }
+    void restoreXdataValues(db::ValueList values) {
+        xdata_ = std::move(values);
+        packedXdata_.clear();
+    }
+    // For loaders: xdata kept in the loader's compact form until it is first used, when
+    // unpack turns it into values. A drawing of many records costs far less memory so.
+    using XdataUnpacker = void (*)(const std::string& packed, db::ValueList& values);
+    void restorePackedXdata(std::string packed, XdataUnpacker unpack) {
+        xdata_.clear();
+        packedXdata_ = std::move(packed);
+        unpack_ = unpack;
+    }
+    // The packed form while nothing has used it (a writer may copy it as it is), else null.
+    const std::string* packedXdata() const {
+        return packedXdata_.empty() ? nullptr : &packedXdata_;
+    }
 
     AcDbObjectId extensionDictionary() const { return extDict_; }
     Acad::ErrorStatus createExtensionDictionary();
@@ -116,7 +131,10 @@ class AcDbObject : public AcRxObject {
     AcDbObjectId owner_;
     AcDbObjectId extDict_;
     std::vector<AcDbObjectId> reactors_;
-    db::ValueList xdata_;
+    const db::ValueList& unpackedXdata() const;
+    mutable db::ValueList xdata_;
+    mutable std::string packedXdata_;
+    mutable XdataUnpacker unpack_ = nullptr;
 };
 
 class AcDbEntity : public AcDbObject {

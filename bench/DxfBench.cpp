@@ -1,0 +1,266 @@
+// Reading and writing a drawing of 100,000 parcels: kplan against a floor (reading the
+// file and splitting it into tags, nothing more), dxflib and ezdxf. Each measurement runs
+// in a child process, so that its peak memory is its own.
+//
+//   dxf_bench [--parcels N] [--file PATH] [--skip-ezdxf]   (Google Benchmark flags too)
+#include <benchmark/benchmark.h>
+#include <dxflib/dl_creationadapter.h>
+#include <dxflib/dl_dxf.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "bench/ParcelDrawing.h"
+#include "host/dxf/Dxf.h"
+
+namespace {
+
+std::string drawing = "parcels_100k.dxf";
+int parcels = 100000;
+bool skipEzdxf = false;
+
+struct Result {
+    double seconds = 0;
+    double peakMB = 0;
+};
+std::map<std::string, Result> results;
+
+double now() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// Runs task in a child; the child reports its own seconds, the parent its peak memory.
+Result inChild(const std::function<double()>& task) {
+    int fds[2];
+    if (::pipe(fds) != 0) return {};
+    pid_t pid = ::fork();
+    if (pid == 0) {
+        ::close(fds[0]);
+        double seconds = task();
+        if (::write(fds[1], &seconds, sizeof seconds) != sizeof seconds) _exit(2);
+        _exit(seconds < 0 ? 1 : 0);
+    }
+    ::close(fds[1]);
+    Result r;
+    double seconds = -1;
+    if (::read(fds[0], &seconds, sizeof seconds) != sizeof seconds) seconds = -1;
+    ::close(fds[0]);
+    int status = 0;
+    struct rusage usage;
+    ::wait4(pid, &status, 0, &usage);
+    r.seconds = seconds;
+    r.peakMB = usage.ru_maxrss / 1024.0;
+    return r;
+}
+
+// The least any reader does: the file read, each line split off, group codes parsed.
+double floorRead() {
+    double start = now();
+    std::FILE* f = std::fopen(drawing.c_str(), "rb");
+    if (!f) return -1;
+    std::vector<char> buffer(1 << 20);
+    std::string carry;
+    long tags = 0, codeSum = 0;
+    bool code = true;
+    std::size_t got;
+    while ((got = std::fread(buffer.data(), 1, buffer.size(), f)) > 0) {
+        const char* p = buffer.data();
+        const char* end = p + got;
+        while (p < end) {
+            const char* nl = static_cast<const char*>(std::memchr(p, '\n', end - p));
+            if (!nl) {
+                carry.append(p, end);
+                break;
+            }
+            std::string_view line(p, nl - p);
+            if (!carry.empty()) {
+                carry.append(p, nl);
+                line = carry;
+            }
+            if (code) {
+                codeSum += std::atoi(std::string(line).c_str());
+            } else {
+                ++tags;
+            }
+            code = !code;
+            carry.clear();
+            p = nl + 1;
+        }
+    }
+    std::fclose(f);
+    benchmark::DoNotOptimize(codeSum);
+    return tags > 0 ? now() - start : -1;
+}
+
+double kplanLoad() {
+    double start = now();
+    std::string error;
+    auto database = dxf::load(drawing, error);
+    if (!database) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return -1;
+    }
+    return now() - start;
+}
+
+double kplanSave() {
+    std::string error;
+    auto database = dxf::load(drawing, error);
+    if (!database) return -1;
+    double start = now();
+    if (!dxf::save(*database, drawing + ".kplan.dxf", error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return -1;
+    }
+    return now() - start;
+}
+
+// dxflib keeps what a loader would: the vertices and the xdata strings.
+class Collector : public DL_CreationAdapter {
+  public:
+    void addPolyline(const DL_PolylineData& d) override { counts.push_back(d.number); }
+    void addVertex(const DL_VertexData& d) override {
+        points.push_back(d.x);
+        points.push_back(d.y);
+        points.push_back(d.bulge);
+    }
+    void addXDataString(int, const std::string& value) override { strings.push_back(value); }
+    std::vector<unsigned int> counts;
+    std::vector<double> points;
+    std::vector<std::string> strings;
+};
+
+double dxflibLoad() {
+    double start = now();
+    Collector collector;
+    DL_Dxf reader;
+    if (!reader.in(drawing, &collector)) return -1;
+    benchmark::DoNotOptimize(collector.points.data());
+    return now() - start;
+}
+
+void record(benchmark::State& state, const std::string& name, const Result& r) {
+    state.SetIterationTime(r.seconds);
+    state.counters["peak_MB"] = r.peakMB;
+    results[name] = r;
+    if (r.seconds < 0) state.SkipWithError("the task failed");
+}
+
+void BM_Floor(benchmark::State& state) {
+    for (auto _ : state)
+        record(state, "floor", inChild(floorRead));
+}
+void BM_KplanLoad(benchmark::State& state) {
+    for (auto _ : state)
+        record(state, "kplan load", inChild(kplanLoad));
+}
+void BM_KplanSave(benchmark::State& state) {
+    for (auto _ : state)
+        record(state, "kplan save", inChild(kplanSave));
+}
+void BM_DxflibLoad(benchmark::State& state) {
+    for (auto _ : state)
+        record(state, "dxflib load", inChild(dxflibLoad));
+}
+void BM_Ezdxf(benchmark::State& state) {
+    for (auto _ : state) {
+        std::string command = "/usr/bin/python3 " KPLAN_BENCH_DIR "/ezdxf_bench.py '" + drawing +
+                              "' '" + drawing + ".ezdxf.dxf'";
+        Result load, save;
+        std::FILE* pipe = ::popen(command.c_str(), "r");
+        if (pipe && std::fscanf(pipe, "%lf %lf", &load.seconds, &save.seconds) == 2) {
+            ::pclose(pipe);
+            struct rusage usage;
+            ::getrusage(RUSAGE_CHILDREN, &usage);
+            load.peakMB = save.peakMB = usage.ru_maxrss / 1024.0;
+        } else {
+            if (pipe) ::pclose(pipe);
+            load.seconds = save.seconds = -1;
+        }
+        results["ezdxf save"] = save;
+        record(state, "ezdxf load", load);
+    }
+}
+
+BENCHMARK(BM_Floor)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KplanLoad)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KplanSave)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DxflibLoad)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void report(double fileMB) {
+    auto at = [](const char* name) { return results.count(name) ? results[name] : Result{-1, 0}; };
+    Result floor = at("floor"), load = at("kplan load"), save = at("kplan save"),
+           dxflib = at("dxflib load"), ezLoad = at("ezdxf load"), ezSave = at("ezdxf save");
+    std::printf("\nfile: %s, %.1f MB, %d parcels\n", drawing.c_str(), fileMB, parcels);
+    std::printf("%-12s %10s %10s\n", "", "seconds", "peak MB");
+    for (const auto& [name, r] : results)
+        std::printf("%-12s %10.3f %10.1f\n", name.c_str(), r.seconds, r.peakMB);
+    auto goal = [](const char* what, bool met, double value, const char* unit) {
+        std::printf("  %-44s %8.2f%s  %s\n", what, value, unit, met ? "met" : "NOT MET");
+    };
+    std::printf("goals:\n");
+    goal("load within 2.5 x the floor", load.seconds <= 2.5 * floor.seconds,
+         load.seconds / floor.seconds, " x");
+    goal("load at least 4 x faster than dxflib", dxflib.seconds >= 4 * load.seconds,
+         dxflib.seconds / load.seconds, " x");
+    if (ezLoad.seconds > 0) {
+        goal("load at least 30 x faster than ezdxf", ezLoad.seconds >= 30 * load.seconds,
+             ezLoad.seconds / load.seconds, " x");
+        goal("save at least 10 x faster than ezdxf", ezSave.seconds >= 10 * save.seconds,
+             ezSave.seconds / save.seconds, " x");
+    }
+    goal("peak memory of load under 3 x the file", load.peakMB < 3 * fileMB, load.peakMB / fileMB,
+         " x");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<char*> rest;
+    for (int i = 0; i < argc; ++i) {
+        std::string a = argv[i];
+        if (a == "--parcels" && i + 1 < argc) {
+            parcels = std::atoi(argv[++i]);
+        } else if (a == "--file" && i + 1 < argc) {
+            drawing = argv[++i];
+        } else if (a == "--skip-ezdxf") {
+            skipEzdxf = true;
+        } else {
+            rest.push_back(argv[i]);
+        }
+    }
+    if (!std::filesystem::exists(drawing)) {
+        std::fprintf(stderr, "making %s (%d parcels)...\n", drawing.c_str(), parcels);
+        // In a child, so that the measurements do not inherit the drawing's memory.
+        Result made = inChild([] {
+            std::string error;
+            if (bench::makeParcelDrawing(drawing, parcels, error)) return 0.0;
+            std::fprintf(stderr, "%s\n", error.c_str());
+            return -1.0;
+        });
+        if (made.seconds < 0) return 1;
+    }
+    if (!skipEzdxf) {
+        benchmark::RegisterBenchmark("BM_Ezdxf", BM_Ezdxf)
+            ->Iterations(1)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    int count = static_cast<int>(rest.size());
+    benchmark::Initialize(&count, rest.data());
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    report(std::filesystem::file_size(drawing) / (1024.0 * 1024.0));
+    return 0;
+}

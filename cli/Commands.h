@@ -1,0 +1,14 @@
+#pragma once
+// The commands of the kplan program. Each adds itself to the application and reports
+// its outcome through the exit code it sets; messages for the user go to stderr.
+#include <CLI/CLI.hpp>
+
+namespace kplan::cli {
+
+// "kplan info DRAWING": version, code page, entities by type, xdata records by
+// application, layers.
+void addInfoCommand(CLI::App& app, int& exitCode);
+// "kplan convert IN OUT": load and save, keeping everything the drawing carried.
+void addConvertCommand(CLI::App& app, int& exitCode);
+
+}  // namespace kplan::cli

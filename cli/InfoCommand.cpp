@@ -1,0 +1,111 @@
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "cli/Commands.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/dbunknown.h"
+#include "host/arx/peek.h"
+#include "host/db/TextCodec.h"
+#include "host/dxf/Dxf.h"
+
+namespace kplan::cli {
+
+namespace {
+
+std::string utf8(const std::wstring& text) {
+    return db::wideToUtf8(text);
+}
+
+std::string typeName(const AcDbObject* obj) {
+    if (auto* kept = AcDbUnknownEntity::cast(obj)) return kept->dxfName();
+    return utf8(obj->isA()->dxfName());
+}
+
+const char* releaseOf(const std::string& version) {
+    static const std::map<std::string, const char*> releases = {
+        {"AC1009", "R12"},          {"AC1012", "R13"},          {"AC1014", "R14"},
+        {"AC1015", "AutoCAD 2000"}, {"AC1018", "AutoCAD 2004"}, {"AC1021", "AutoCAD 2007"},
+        {"AC1024", "AutoCAD 2010"}, {"AC1027", "AutoCAD 2013"}, {"AC1032", "AutoCAD 2018"}};
+    auto it = releases.find(version);
+    return it == releases.end() ? "unknown release" : it->second;
+}
+
+int runInfo(const std::string& path) {
+    std::string error;
+    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
+    if (!database) {
+        std::cerr << "kplan: " << error << "\n";
+        return 1;
+    }
+    dxf::DrawingInfo info = dxf::drawingInfo(*database);
+    std::map<std::string, long> entities, applications;
+    long entityCount = 0;
+    for (const db::Stub& stub : database->stubs()) {
+        auto* obj = static_cast<const AcDbObject*>(stub.object.get());
+        if (obj == nullptr || stub.erased) continue;
+        std::map<std::wstring, bool> apps;
+        for (const db::Value& v : obj->xdataValues()) {
+            if (v.code == 1001 && v.text()) apps[*v.text()] = true;
+        }
+        for (const auto& app : apps)
+            ++applications[utf8(app.first)];
+    }
+    auto* blocks = arx::peek<AcDbBlockTable>(database->blockTableId());
+    for (AcDbObjectId space : {database->modelSpaceId(), database->paperSpaceId()}) {
+        auto* record = arx::peek<AcDbBlockTableRecord>(space);
+        if (record == nullptr) continue;
+        for (AcDbObjectId id : record->entityIds()) {
+            if (id.isErased() || arx::peekObject(id) == nullptr) continue;
+            ++entities[typeName(arx::peekObject(id))];
+            ++entityCount;
+        }
+    }
+    std::cout << "file: " << path << "\n";
+    std::cout << "version: " << info.version << " (" << releaseOf(info.version) << ")\n";
+    std::cout << "code page: " << info.codePage << "\n";
+    std::cout << "entities: " << entityCount << "\n";
+    for (const auto& [type, count] : entities)
+        std::cout << "  " << type << ": " << count << "\n";
+    std::cout << "xdata records by application:" << (applications.empty() ? " none" : "") << "\n";
+    for (const auto& [app, count] : applications)
+        std::cout << "  " << app << ": " << count << "\n";
+    auto* layers = arx::peek<AcDbLayerTable>(database->layerTableId());
+    long layerCount = 0;
+    if (layers) {
+        for (AcDbObjectId id : layers->recordIds())
+            layerCount += id.isErased() ? 0 : 1;
+    }
+    std::cout << "layers: " << layerCount << "\n";
+    if (layers) {
+        for (AcDbObjectId id : layers->recordIds()) {
+            auto* layer = arx::peek<AcDbLayerTableRecord>(id);
+            if (layer == nullptr || id.isErased()) continue;
+            AcCmColor c = layer->color();
+            std::cout << "  " << utf8(layer->nameText()) << ": colour ";
+            if (c.isByColor()) {
+                std::cout << int(c.red()) << "," << int(c.green()) << "," << int(c.blue());
+            } else {
+                std::cout << c.colorIndex();
+            }
+            if (layer->isOff()) std::cout << ", off";
+            if (layer->isFrozen()) std::cout << ", frozen";
+            if (layer->isLocked()) std::cout << ", locked";
+            std::cout << "\n";
+        }
+    }
+    (void)blocks;
+    return 0;
+}
+
+}  // namespace
+
+void addInfoCommand(CLI::App& app, int& exitCode) {
+    auto* command = app.add_subcommand("info", "Show what a drawing holds");
+    auto path = std::make_shared<std::string>();
+    command->add_option("DRAWING", *path, "DXF file")->required();
+    command->callback([path, &exitCode] { exitCode = runInfo(*path); });
+}
+
+}  // namespace kplan::cli

@@ -1,0 +1,47 @@
+#pragma once
+// DXF files of a drawing: load into a database and save it back, keeping everything
+// the file carried. Nothing is thrown; failures come back as false with a message
+// that names the file, the line and what was expected.
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "host/arx/dbmain.h"
+
+namespace dxf {
+
+struct SaveOptions {
+    // "AC1015" to "AC1032"; empty: AC1024, or the version the drawing came in when newer.
+    std::string version;
+};
+
+// Reads a drawing into a new database; null on failure, with the reason in error.
+std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error);
+// Reads into a database made with AcDbDatabase(false). On failure it holds a partial
+// drawing that the caller must discard.
+bool load(const std::string& path, AcDbDatabase& database, std::string& error);
+bool read(std::istream& in, AcDbDatabase& database, std::string& error,
+          const std::string& name = "<stream>");
+
+// Writes the drawing to a temporary file beside the target, flushes it and renames
+// it over the target, keeping the previous file as <path>.bak. On failure the target
+// is as it was.
+bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
+          const SaveOptions& options = {});
+bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
+           const SaveOptions& options = {});
+
+// What the file said about itself, and the header variables kplan uses.
+struct DrawingInfo {
+    std::string version;   // as read; AC1024 for a drawing made here
+    std::string codePage;  // $DWGCODEPAGE
+    int insUnits = 6;      // $INSUNITS
+    double viewCenterX = 0, viewCenterY = 0, viewHeight = 1000, viewAspect = 1.5;
+    bool hasView = false;
+};
+DrawingInfo drawingInfo(const AcDbDatabase& database);
+// Changes the view and units written with the drawing.
+void setView(AcDbDatabase& database, double centerX, double centerY, double height, double aspect);
+void setInsUnits(AcDbDatabase& database, int units);
+
+}  // namespace dxf

@@ -1,0 +1,326 @@
+#include <charconv>
+#include <cmath>
+
+#include "host/arx/peek.h"
+#include "host/db/GroupCode.h"
+#include "host/db/TextCodec.h"
+#include "host/dxf/DxfModel.h"
+#include "host/dxf/FieldTable.h"
+
+namespace dxf {
+
+namespace {
+
+std::string_view trimmed(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
+        s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
+        s.remove_suffix(1);
+    return s;
+}
+
+}  // namespace
+
+namespace {
+
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// Most reals of a drawing are plain decimals ("512345.678"). With at most 15 digits the
+// digits and the power of ten are both exact doubles, so one division gives the
+// correctly rounded value (Clinger's fast path); anything else takes from_chars.
+bool parsePlainDecimal(std::string_view text, double& value) {
+    std::size_t i = 0, n = text.size();
+    bool negative = n > 0 && text[0] == '-';
+    if (negative) ++i;
+    std::uint64_t mantissa = 0;
+    int digits = 0, fraction = -1;
+    for (; i < n; ++i) {
+        char c = text[i];
+        if (c >= '0' && c <= '9') {
+            mantissa = mantissa * 10 + static_cast<unsigned>(c - '0');
+            if (++digits > 15) return false;
+            if (fraction >= 0) ++fraction;
+        } else if (c == '.' && fraction < 0) {
+            fraction = 0;
+        } else {
+            return false;
+        }
+    }
+    if (digits == 0) return false;
+    double v = static_cast<double>(mantissa);
+    if (fraction > 0) v /= kPowersOfTen[fraction];
+    value = negative ? -v : v;
+    return true;
+}
+
+}  // namespace
+
+bool parseReal(std::string_view text, double& value) {
+    text = trimmed(text);
+    if (parsePlainDecimal(text, value)) return true;
+    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+}
+
+bool parseInt(std::string_view text, std::int64_t& value) {
+    text = trimmed(text);
+    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+}
+
+std::uint64_t ReadContext::parseHandle(std::string_view hex) {
+    hex = trimmed(hex);
+    std::uint64_t value = 0;
+    auto [end, ec] = std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
+    if (ec != std::errc() || end != hex.data() + hex.size()) return 0;
+    return value;
+}
+
+AcDbObjectId ReadContext::idOf(std::uint64_t handle) {
+    AcDbObjectId id;
+    if (handle == 0) return id;
+    // Entity after entity names the same owner.
+    if (handle == lastHandle_) return lastId_;
+    database.getAcDbObjectId(id, true, AcDbHandle(handle));
+    lastHandle_ = handle;
+    lastId_ = id;
+    return id;
+}
+
+std::uint64_t WriteContext::handleOf(AcDbObjectId id) {
+    if (id.isNull() || id.isErased() || arx::peekObject(id) == nullptr) return 0;
+    return id.handle().value();
+}
+
+void WriteContext::raw(const AcDbRawTag& tag) {
+    switch (db::kindOfGroupCode(tag.code)) {
+        case db::ValueKind::String:
+            out.text(tag.code, strings.fromUtf8(tag.value));
+            break;
+        default:
+            out.text(tag.code, tag.value);
+            break;
+    }
+}
+
+// Degrees in files, radians in memory: of the degree values that give the same
+// radians, the shortest is written, so that 30 stays 30 and not 29.999999999999996.
+double degToRad(double degrees) {
+    return degrees * (M_PI / 180.0);
+}
+
+double radToDeg(double radians) {
+    double best = radians * (180.0 / M_PI);
+    if (degToRad(best) == radians && std::nearbyint(best) == best) return best;
+    std::size_t bestLength = formatReal(best).size();
+    double candidate = best;
+    double down = best;
+    for (int k = 0; k < 6; ++k) {
+        candidate = std::nextafter(candidate, HUGE_VAL);
+        down = std::nextafter(down, -HUGE_VAL);
+        for (double c : {candidate, down}) {
+            if (degToRad(c) != radians) continue;
+            std::size_t length = formatReal(c).size();
+            if (length < bestLength) {
+                best = c;
+                bestLength = length;
+            }
+        }
+    }
+    return best;
+}
+
+std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags) {
+    std::string packed;
+    std::size_t estimate = 0;
+    for (const TagView& t : tags)
+        estimate += t.value.size() + 4;
+    packed.reserve(estimate);
+    for (const TagView& t : tags) {
+        packed += static_cast<char>(t.code & 0xFF);
+        packed += static_cast<char>((t.code >> 8) & 0xFF);
+        // The length goes before the text, which is converted in place: room is kept for
+        // it, and the text moved only when the converted length needs more or less.
+        std::size_t at = packed.size();
+        std::size_t kept = t.value.size() < 100 ? 1 : 3;
+        packed.append(kept, '\0');
+        if (db::kindOfGroupCode(t.code) == db::ValueKind::String) {
+            ctx.strings.appendUtf8(packed, t.value);
+        } else {
+            packed.append(t.value);
+        }
+        std::size_t length = packed.size() - at - kept;
+        char prefix[4];
+        std::size_t n = 0;
+        std::size_t rest = length;
+        do {
+            unsigned char b = rest & 0x7F;
+            rest >>= 7;
+            prefix[n++] = static_cast<char>(rest ? b | 0x80 : b);
+        } while (rest && n < 4);
+        packed.replace(at, kept, prefix, n);
+    }
+    return packed;
+}
+
+namespace {
+
+// One value of a tag whose text is UTF-8; points take their y and z from the tags after.
+db::Value valueOf(int code, std::string_view text) {
+    db::Value v;
+    v.code = code;
+    switch (db::kindOfGroupCode(code)) {
+        case db::ValueKind::Real: {
+            double d = 0;
+            parseReal(text, d);
+            v.data = d;
+            break;
+        }
+        case db::ValueKind::Point: {
+            db::Point p{0, 0, 0};
+            parseReal(text, p[0]);
+            v.data = p;
+            break;
+        }
+        case db::ValueKind::Int16:
+        case db::ValueKind::Int32:
+        case db::ValueKind::Int64:
+        case db::ValueKind::Bool: {
+            std::int64_t i = 0;
+            parseInt(text, i);
+            v.data = i;
+            break;
+        }
+        case db::ValueKind::Binary: {
+            db::Bytes bytes;
+            for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+                unsigned value = 0;
+                std::from_chars(text.data() + i, text.data() + i + 2, value, 16);
+                bytes.push_back(static_cast<std::uint8_t>(value));
+            }
+            v.data = std::move(bytes);
+            break;
+        }
+        default:
+            v.data = db::utf8ToWide(text);
+            break;
+    }
+    return v;
+}
+
+}  // namespace
+
+void unpackXdata(const std::string& packed, db::ValueList& values) {
+    values.clear();
+    forEachPacked(packed, [&](int code, std::string_view text) {
+        if (!values.empty()) {
+            db::Value& last = values.back();
+            auto* point = std::get_if<db::Point>(&last.data);
+            // The y and z of a point come as tags of their own, 10 and 20 codes on.
+            if (point && (code == last.code + 10 || code == last.code + 20)) {
+                parseReal(text, (*point)[code == last.code + 10 ? 1 : 2]);
+                return;
+            }
+        }
+        values.push_back(valueOf(code, text));
+    });
+}
+
+void writePackedXdata(WriteContext& ctx, const std::string& packed) {
+    forEachPacked(packed, [&](int code, std::string_view text) {
+        if (db::kindOfGroupCode(code) == db::ValueKind::String) {
+            ctx.textUtf8(code, text);
+        } else {
+            ctx.out.text(code, text);
+        }
+    });
+}
+
+db::ValueList readValues(ReadContext& ctx, const TagView* begin, const TagView* end) {
+    db::ValueList values;
+    values.reserve(static_cast<std::size_t>(end - begin));
+    for (const TagView* t = begin; t < end; ++t) {
+        db::Value v;
+        v.code = t->code;
+        switch (db::kindOfGroupCode(t->code)) {
+            case db::ValueKind::Real: {
+                double d = 0;
+                parseReal(t->value, d);
+                v.data = d;
+                break;
+            }
+            case db::ValueKind::Point: {
+                db::Point p{0, 0, 0};
+                parseReal(t->value, p[0]);
+                if (t + 1 < end && t[1].code == t->code + 10) {
+                    parseReal((++t)->value, p[1]);
+                    if (t + 1 < end && t[1].code == t->code + 10) parseReal((++t)->value, p[2]);
+                }
+                v.data = p;
+                break;
+            }
+            case db::ValueKind::Int16:
+            case db::ValueKind::Int32:
+            case db::ValueKind::Int64:
+            case db::ValueKind::Bool: {
+                std::int64_t i = 0;
+                parseInt(t->value, i);
+                v.data = i;
+                break;
+            }
+            case db::ValueKind::Binary: {
+                db::Bytes bytes;
+                std::string_view hex = t->value;
+                for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+                    unsigned value = 0;
+                    std::from_chars(hex.data() + i, hex.data() + i + 2, value, 16);
+                    bytes.push_back(static_cast<std::uint8_t>(value));
+                }
+                v.data = std::move(bytes);
+                break;
+            }
+            case db::ValueKind::ObjectRef: {
+                AcDbObjectId id = ctx.idOf(t->value);
+                v.data = id.stub();
+                break;
+            }
+            default:
+                v.data = ctx.wide(t->value);
+                break;
+        }
+        values.push_back(std::move(v));
+    }
+    return values;
+}
+
+void writeValues(WriteContext& ctx, const db::ValueList& values) {
+    for (const db::Value& v : values) {
+        if (const auto* text = std::get_if<std::wstring>(&v.data)) {
+            ctx.text(v.code, *text);
+        } else if (const auto* d = std::get_if<double>(&v.data)) {
+            ctx.out.real(v.code, *d);
+        } else if (const auto* p = std::get_if<db::Point>(&v.data)) {
+            ctx.out.point(v.code, (*p)[0], (*p)[1], (*p)[2]);
+        } else if (const auto* i = std::get_if<std::int64_t>(&v.data)) {
+            ctx.out.integer(v.code, *i);
+        } else if (const auto* bytes = std::get_if<db::Bytes>(&v.data)) {
+            static const char hex[] = "0123456789ABCDEF";
+            std::string text;
+            for (std::uint8_t b : *bytes) {
+                text += hex[b >> 4];
+                text += hex[b & 15];
+            }
+            ctx.out.text(v.code, text);
+        } else if (const auto* stub = std::get_if<db::Stub*>(&v.data)) {
+            ctx.ref(v.code, AcDbObjectId(*stub));
+        } else {
+            ctx.out.text(v.code, "");
+        }
+    }
+}
+
+}  // namespace dxf

@@ -1,0 +1,186 @@
+#pragma once
+// What the DXF reader keeps beside the database to write a drawing back as it was
+// read, and the contexts the per-class codecs read and write with.
+#include <cstdint>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/arx/dbmain.h"
+#include "host/arx/dbunknown.h"
+#include "host/dxf/DxfStrings.h"
+#include "host/dxf/TagReader.h"
+#include "host/dxf/TagWriter.h"
+
+namespace dxf {
+
+// A tag of a known class that no field of the class takes, written back after the
+// field it followed (its anchor).
+struct Extra {
+    int anchor = 0;
+    AcDbRawTag tag;
+};
+
+// What one object had in the file beyond its typed state. Objects whose file form is
+// exactly what the writer makes of them have none.
+struct ObjectRecord {
+    std::uint64_t present = 0;  // fields of the class table found in the file
+    bool hasPresent = false;
+    std::vector<Extra> extras;
+    AcDbRawTags appGroups;  // 102 groups other than reactors and extension dictionary
+    int handleCode = 5;
+    bool dictionaryFirst = false;  // {ACAD_XDICTIONARY came before {ACAD_REACTORS
+    // The VERTEX/ATTRIB ... SEQEND that follow an entity the host does not model.
+    std::vector<AcDbObjectId> children;
+    bool empty() const {
+        return !hasPresent && extras.empty() && appGroups.empty() && handleCode == 5 &&
+               !dictionaryFirst && children.empty();
+    }
+};
+
+struct DxfView {
+    double centerX = 0, centerY = 0, height = 1000, aspect = 1.5;
+};
+
+class FileData : public db::ObjectBase {
+  public:
+    std::string version = "AC1024";
+    std::string codePage = "ANSI_936";
+    int insUnits = 6;
+    DxfView view;
+    bool hasView = false;
+
+    AcDbRawTags header;  // every header variable, UTF-8
+    bool hasHeader = false;
+    struct Section {
+        std::string name;
+        AcDbRawTags tags;  // between "2 NAME" and "0 ENDSEC"
+    };
+    std::vector<std::string> sectionOrder;
+    std::vector<Section> keptSections;  // CLASSES, THUMBNAILIMAGE, ACDSDATA, ...
+
+    std::vector<AcDbObjectId> tables;  // TABLE heads in file order
+    std::unordered_map<db::Stub*, std::string> tableNames;
+    std::unordered_map<db::Stub*, std::vector<AcDbObjectId>> tableRecords;  // of kept tables
+    std::unordered_map<db::Stub*, std::pair<AcDbObjectId, AcDbObjectId>> blockEnds;
+    std::vector<AcDbObjectId> blocks;    // block records in the order of BLOCKS
+    std::vector<AcDbObjectId> entities;  // ENTITIES in file order
+    std::vector<AcDbObjectId> objects;   // OBJECTS in file order
+    std::unordered_map<db::Stub*, ObjectRecord> records;
+
+    const ObjectRecord* record(const AcDbObject* obj) const {
+        auto it = records.find(obj->stub());
+        return it == records.end() ? nullptr : &it->second;
+    }
+};
+
+// The parts every object has, taken off before its class reads the rest.
+struct ParsedObject {
+    std::string_view type;
+    std::size_t line = 0;
+    std::uint64_t handle = 0;
+    int handleCode = 5;
+    std::uint64_t owner = 0;
+    bool hasOwner = false;
+    std::vector<std::uint64_t> reactors;
+    std::uint64_t extensionDictionary = 0;
+    bool dictionaryFirst = false;
+    AcDbRawTags appGroups;
+    // Views into the object's tags, which live while it is read.
+    std::span<const TagView> body;   // after the owner, before the xdata
+    std::span<const TagView> xdata;  // from the first 1001
+};
+
+class ReadContext {
+  public:
+    ReadContext(AcDbDatabase& database, FileData& file, TagReader& reader)
+        : database(database), file(file), reader(reader), strings("AC1024", "") {}
+
+    AcDbDatabase& database;
+    FileData& file;
+    TagReader& reader;
+    DxfStrings strings;
+    bool r12 = false;
+    // For reading back what a field took, to keep a value that did not survive it.
+    const class WriteContext* probe = nullptr;
+
+    AcDbObjectId idOf(std::uint64_t handle);
+    AcDbObjectId idOf(std::string_view hex) { return idOf(parseHandle(hex)); }
+    std::wstring wide(std::string_view bytes) const { return strings.toWide(bytes); }
+    std::string utf8(std::string_view bytes) const { return strings.toUtf8(bytes); }
+    AcDbRawTag raw(const TagView& tag) const { return {tag.code, utf8(tag.value)}; }
+    void keep(ObjectRecord& record, int anchor, const TagView& tag) const {
+        record.extras.push_back({anchor, raw(tag)});
+    }
+    static std::uint64_t parseHandle(std::string_view hex);
+
+  private:
+    std::uint64_t lastHandle_ = 0;
+    AcDbObjectId lastId_;
+};
+
+class WriteContext {
+  public:
+    WriteContext(const AcDbDatabase& database, const FileData* file, TagWriter& out,
+                 DxfStrings strings)
+        : database(database), file(file), out(out), strings(std::move(strings)) {}
+
+    const AcDbDatabase& database;
+    const FileData* file;
+    TagWriter& out;
+    DxfStrings strings;
+
+    const ObjectRecord* record(const AcDbObject* obj) const {
+        return file ? file->record(obj) : nullptr;
+    }
+    void text(int code, std::wstring_view value) { out.text(code, strings.fromWide(value)); }
+    void textUtf8(int code, std::string_view value) { out.text(code, strings.fromUtf8(value)); }
+    void raw(const AcDbRawTag& tag);
+    void ref(int code, AcDbObjectId id) { out.handle(code, handleOf(id)); }
+    // The handle of a live object; 0 for none and for an object that is gone.
+    static std::uint64_t handleOf(AcDbObjectId id);
+    void extras(const ObjectRecord* record, int anchor) {
+        if (record == nullptr) return;
+        for (const Extra& e : record->extras) {
+            if (e.anchor == anchor) raw(e.tag);
+        }
+    }
+};
+
+// Numbers of tags, tolerant of the padding some writers add.
+bool parseReal(std::string_view text, double& value);
+bool parseInt(std::string_view text, std::int64_t& value);
+
+// Xdata and xrecord values between tags and the stored form.
+db::ValueList readValues(ReadContext& ctx, const TagView* begin, const TagView* end);
+void writeValues(WriteContext& ctx, const db::ValueList& values);
+
+// Xdata as the loader keeps it until used: per tag its code and its text (strings in
+// UTF-8, numbers as the file wrote them), packed into one string.
+std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags);
+void unpackXdata(const std::string& packed, db::ValueList& values);
+void writePackedXdata(WriteContext& ctx, const std::string& packed);
+// Calls f(code, text) for each packed tag.
+template <typename F>
+void forEachPacked(const std::string& packed, F f) {
+    std::size_t i = 0, n = packed.size();
+    while (i + 2 < n) {
+        int code = static_cast<std::int16_t>(static_cast<unsigned char>(packed[i]) |
+                                             (static_cast<unsigned char>(packed[i + 1]) << 8));
+        i += 2;
+        std::size_t length = 0;
+        int shift = 0;
+        while (i < n) {
+            unsigned char b = static_cast<unsigned char>(packed[i++]);
+            length |= static_cast<std::size_t>(b & 0x7F) << shift;
+            shift += 7;
+            if (!(b & 0x80)) break;
+        }
+        if (length > n - i) return;
+        f(code, std::string_view(packed.data() + i, length));
+        i += length;
+    }
+}
+
+}  // namespace dxf

@@ -1,0 +1,671 @@
+#include <fstream>
+#include <new>
+
+#include "host/arx/dbdict.h"
+#include "host/arx/dbents.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/peek.h"
+#include "host/dxf/Codecs.h"
+#include "host/dxf/Dxf.h"
+#include "host/dxf/DxfModel.h"
+
+namespace dxf {
+
+namespace {
+
+std::string_view trimmed(std::string_view s) {
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
+        s.remove_suffix(1);
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
+        s.remove_prefix(1);
+    return s;
+}
+
+bool is(const TagView& t, int code, std::string_view value) {
+    return t.code == code && trimmed(t.value) == value;
+}
+
+bool equalsNoCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        char x = a[i], y = b[i];
+        if (x >= 'a' && x <= 'z') x = static_cast<char>(x - 'a' + 'A');
+        if (y >= 'a' && y <= 'z') y = static_cast<char>(y - 'a' + 'A');
+        if (x != y) return false;
+    }
+    return true;
+}
+
+// Names that frame sections, tables and blocks: never an entity or an object.
+bool isStructural(const TagView& t) {
+    if (t.code != 0) return false;
+    std::string_view v = trimmed(t.value);
+    return v == "SECTION" || v == "ENDSEC" || v == "EOF" || v == "TABLE" || v == "ENDTAB" ||
+           v == "BLOCK" || v == "ENDBLK";
+}
+
+std::string describe(const TagView& t) {
+    std::string value(t.value.substr(0, 40));
+    return "\"" + std::to_string(t.code) + " " + value + "\"";
+}
+
+class Loader {
+  public:
+    Loader(std::istream& in, const std::string& name, AcDbDatabase& database)
+        : reader_(in, name),
+          database_(database),
+          file_(std::make_unique<FileData>()),
+          ctx_(database, *file_, reader_),
+          probe_(database, file_.get(), nullWriter_, DxfStrings("AC1024", "")) {
+        ctx_.probe = &probe_;
+        // A file without a header: UTF-8 where its bytes are, else the Chinese code page.
+        ctx_.strings = DxfStrings(file_->version, file_->codePage);
+    }
+
+    bool run();
+    const std::string& error() const { return reader_.error(); }
+
+  private:
+    bool next(TagView& t) {
+        if (hasPending_) {
+            t = pending_;
+            hasPending_ = false;
+            return true;
+        }
+        return reader_.next(t);
+    }
+    void unread(const TagView& t) {
+        pending_ = t;
+        hasPending_ = true;
+    }
+    bool fail(std::size_t line, const std::string& what) {
+        reader_.fail(line, what);
+        return false;
+    }
+    bool failAtEnd(const std::string& expected) {
+        if (reader_.failed()) return false;
+        return fail(reader_.line() + 1, "expected " + expected + ", found the end of the file");
+    }
+    // The tags of one object, from its "0 TYPE" to before the next 0.
+    bool collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd);
+    void parse(std::vector<TagView>& tags, ParsedObject& parsed);
+
+    bool readHeader();
+    bool readKeptSection(const std::string& name);
+    bool readTables();
+    bool readBlocks();
+    bool readEntities();
+    bool readObjects();
+    bool finish();
+
+    // Makes the object from its tags and places it at its handle.
+    AcDbObjectId place(ParsedObject& parsed, bool entity, AcDbObjectId defaultOwner,
+                       const Codec* codec);
+    // An entity and, for POLYLINE and INSERT with attributes, what follows it to SEQEND.
+    bool readEntity(const TagView& first, AcDbObjectId defaultOwner, AcDbObjectId& id);
+    void ensureBlockTable();
+    void setWellKnown() {
+        database_.setWellKnownIds(blockTable_, layerTable_, appTable_, linetypeTable_,
+                                  namedObjects_, modelSpace_, paperSpace_);
+    }
+
+    TagReader reader_;
+    AcDbDatabase& database_;
+    std::unique_ptr<FileData> file_;
+    ReadContext ctx_;
+    TagWriter nullWriter_{[](std::string_view) { return true; }};
+    WriteContext probe_;
+    TagView pending_;
+    bool hasPending_ = false;
+    std::vector<TagView> tags_;
+    ParsedObject parsed_;
+    std::uint64_t handseed_ = 0;
+    int tilemode_ = 1;
+    std::wstring clayer_;
+    AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
+        paperSpace_;
+};
+
+bool Loader::collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
+    tags.clear();
+    tags.push_back(first);
+    TagView t;
+    while (next(t)) {
+        if (t.code == 0) {
+            unread(t);
+            return true;
+        }
+        tags.push_back(t);
+    }
+    return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
+}
+
+void Loader::parse(std::vector<TagView>& tags, ParsedObject& p) {
+    p.type = trimmed(tags[0].value);
+    p.line = tags[0].line;
+    p.handle = 0;
+    p.handleCode = 5;
+    p.owner = 0;
+    p.hasOwner = false;
+    p.reactors.clear();
+    p.extensionDictionary = 0;
+    p.dictionaryFirst = false;
+    p.appGroups.clear();
+    p.body = {};
+    p.xdata = {};
+    std::size_t i = 1, n = tags.size();
+    bool handled = false;
+    while (i < n) {
+        const TagView& t = tags[i];
+        if ((t.code == 5 || t.code == 105) && !handled) {
+            p.handle = ReadContext::parseHandle(t.value);
+            p.handleCode = t.code;
+            handled = true;
+            ++i;
+        } else if (t.code == 102 && !t.value.empty() && t.value[0] == '{') {
+            std::string_view group = trimmed(t.value);
+            std::size_t close = i + 1;
+            while (close < n && !(tags[close].code == 102 && trimmed(tags[close].value) == "}"))
+                ++close;
+            if (group == "{ACAD_REACTORS") {
+                for (std::size_t k = i + 1; k < close; ++k) {
+                    if (tags[k].code == 330)
+                        p.reactors.push_back(ReadContext::parseHandle(tags[k].value));
+                }
+            } else if (group == "{ACAD_XDICTIONARY") {
+                p.dictionaryFirst = p.reactors.empty();
+                for (std::size_t k = i + 1; k < close; ++k) {
+                    if (tags[k].code == 360) {
+                        p.extensionDictionary = ReadContext::parseHandle(tags[k].value);
+                    }
+                }
+            } else {
+                for (std::size_t k = i; k < close && k < n; ++k)
+                    p.appGroups.push_back(ctx_.raw(tags[k]));
+                if (close < n) p.appGroups.push_back(ctx_.raw(tags[close]));
+            }
+            i = close < n ? close + 1 : n;  // a group left open runs to the end
+        } else if (t.code == 330 && !p.hasOwner) {
+            p.owner = ReadContext::parseHandle(t.value);
+            p.hasOwner = true;
+            ++i;
+            break;
+        } else {
+            break;
+        }
+    }
+    std::size_t x = i;
+    while (x < n && tags[x].code != 1001)
+        ++x;
+    p.body = std::span<const TagView>(tags.data() + i, x - i);
+    p.xdata = std::span<const TagView>(tags.data() + x, n - x);
+}
+
+AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwner,
+                           const Codec* codec) {
+    ObjectRecord record;
+    AcDbObject* obj = codec ? codec->read(p, ctx_, record) : nullptr;
+    if (obj == nullptr) {
+        record = ObjectRecord();
+        AcDbRawTags raw;
+        raw.reserve(p.body.size());
+        for (const TagView& t : p.body)
+            raw.push_back(ctx_.raw(t));
+        if (entity) {
+            obj = new AcDbUnknownEntity(std::string(p.type), std::move(raw));
+        } else {
+            obj = new AcDbUnknownObject(std::string(p.type), std::move(raw));
+        }
+        codec = nullptr;
+    }
+    obj->setOwnerId(p.hasOwner && p.owner != 0 ? ctx_.idOf(p.owner) : defaultOwner);
+    for (std::uint64_t h : p.reactors)
+        obj->addPersistentReactor(ctx_.idOf(h));
+    if (p.extensionDictionary) obj->setExtensionDictionaryId(ctx_.idOf(p.extensionDictionary));
+    if (!p.xdata.empty()) obj->restorePackedXdata(packXdata(ctx_, p.xdata), &unpackXdata);
+    AcDbObjectId id;
+    if (database_.restoreObject(id, obj, AcDbHandle(p.handle)) != Acad::eOk) {
+        // A handle given twice or none at all: the object gets a fresh one.
+        database_.restoreObject(id, obj, AcDbHandle());
+    }
+    record.handleCode = p.handleCode;
+    record.dictionaryFirst = p.dictionaryFirst && !p.reactors.empty();
+    record.appGroups = std::move(p.appGroups);
+    if (codec && record.hasPresent && codec->isCanonical(*obj, probe_, record)) {
+        record.hasPresent = false;
+        record.present = 0;
+        record.extras.clear();
+    }
+    if (!record.empty()) file_->records[id.stub()] = std::move(record);
+    return id;
+}
+
+bool Loader::readHeader() {
+    // Strings of the header can only be decoded once its version and code page are known.
+    std::vector<std::pair<int, std::string>> raw;
+    std::string version, codePage;
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) break;
+        if (t.code == 0)
+            return fail(t.line, "expected \"0 ENDSEC\" to end the HEADER, found " + describe(t));
+        raw.emplace_back(t.code, std::string(t.value));
+    }
+    if (reader_.failed()) return false;
+    if (!is(t, 0, "ENDSEC")) return failAtEnd("\"0 ENDSEC\"");
+    for (std::size_t i = 0; i + 1 < raw.size(); ++i) {
+        if (raw[i].first != 9) continue;
+        std::string_view name = trimmed(raw[i].second);
+        std::string_view value = trimmed(raw[i + 1].second);
+        if (name == "$ACADVER") version = value;
+        if (name == "$DWGCODEPAGE") codePage = value;
+        if (name == "$HANDSEED") handseed_ = ReadContext::parseHandle(value);
+        if (name == "$INSUNITS") {
+            std::int64_t v = 0;
+            if (parseInt(value, v)) file_->insUnits = static_cast<int>(v);
+        }
+        if (name == "$TILEMODE") {
+            std::int64_t v = 1;
+            if (parseInt(value, v)) tilemode_ = static_cast<int>(v);
+        }
+    }
+    if (!version.empty()) file_->version = version;
+    if (!codePage.empty()) file_->codePage = codePage;
+    ctx_.strings = DxfStrings(file_->version, file_->codePage);
+    ctx_.r12 = file_->version <= "AC1009";
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        file_->header.push_back({raw[i].first, ctx_.strings.toUtf8(raw[i].second)});
+        if (raw[i].first == 9 && trimmed(raw[i].second) == "$CLAYER" && i + 1 < raw.size()) {
+            clayer_ = ctx_.strings.toWide(trimmed(raw[i + 1].second));
+        }
+    }
+    file_->hasHeader = true;
+    return true;
+}
+
+bool Loader::readKeptSection(const std::string& name) {
+    FileData::Section section;
+    section.name = name;
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) {
+            file_->keptSections.push_back(std::move(section));
+            return true;
+        }
+        if (is(t, 0, "EOF") || is(t, 0, "SECTION")) {
+            return fail(t.line, "expected \"0 ENDSEC\" to end the " + name + " section, found " +
+                                    describe(t));
+        }
+        section.tags.push_back(ctx_.raw(t));
+        if (section.tags.size() % 4096 == 0) reader_.release();
+    }
+    return failAtEnd("\"0 ENDSEC\"");
+}
+
+bool Loader::readTables() {
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) return true;
+        if (!is(t, 0, "TABLE")) {
+            return fail(t.line, "expected \"0 TABLE\" or \"0 ENDSEC\", found " + describe(t));
+        }
+        if (!collect(t, tags_, "ENDTAB")) return false;
+        std::string tableName;
+        if (tags_.size() > 1 && tags_[1].code == 2) {
+            tableName = std::string(trimmed(tags_[1].value));
+            tags_.erase(tags_.begin() + 1);
+        } else {
+            return fail(t.line + 2, "expected \"2\" with the name of the table");
+        }
+        parse(tags_, parsed_);
+        const Codec* head = tableCodec(tableName);
+        AcDbObjectId tableId = place(parsed_, false, AcDbObjectId(), head);
+        file_->tables.push_back(tableId);
+        if (head == nullptr) file_->tableNames[tableId.stub()] = tableName;
+        if (tableName == "LAYER") layerTable_ = tableId;
+        if (tableName == "LTYPE") linetypeTable_ = tableId;
+        if (tableName == "APPID") appTable_ = tableId;
+        if (tableName == "BLOCK_RECORD") blockTable_ = tableId;
+        setWellKnown();
+        auto* typed = arx::peek<AcDbSymbolTable>(tableId);
+        reader_.release();
+        for (;;) {
+            if (!next(t)) return failAtEnd("\"0 ENDTAB\"");
+            if (is(t, 0, "ENDTAB")) {
+                if (!collect(t, tags_, "ENDSEC")) return false;
+                break;
+            }
+            if (t.code != 0 || isStructural(t)) {
+                return fail(t.line, "expected a " + tableName + " record or \"0 ENDTAB\", found " +
+                                        describe(t));
+            }
+            const Codec* codec = typed ? objectCodec(trimmed(t.value)) : nullptr;
+            if (codec && codec->dxfName != tableName) codec = nullptr;
+            if (typed && codec == nullptr) {
+                return fail(t.line, "expected a " + tableName + " record, found " + describe(t));
+            }
+            if (!collect(t, tags_, "ENDTAB")) return false;
+            parse(tags_, parsed_);
+            if (tableName == "VPORT") {
+                bool active = false;
+                for (const TagView& b : parsed_.body) {
+                    if (b.code == 2) active = equalsNoCase(trimmed(b.value), "*ACTIVE");
+                    if (!active) continue;
+                    if (b.code == 12) parseReal(b.value, file_->view.centerX);
+                    if (b.code == 22) parseReal(b.value, file_->view.centerY);
+                    if (b.code == 40) parseReal(b.value, file_->view.height);
+                    if (b.code == 41) parseReal(b.value, file_->view.aspect);
+                }
+                if (active) file_->hasView = true;
+            }
+            AcDbObjectId id = place(parsed_, false, tableId, codec);
+            if (typed) {
+                typed->restoreRecord(id);
+            } else {
+                file_->tableRecords[tableId.stub()].push_back(id);
+            }
+            reader_.release();
+        }
+    }
+    return failAtEnd("\"0 ENDSEC\"");
+}
+
+void Loader::ensureBlockTable() {
+    if (blockTable_.isNull()) {
+        auto* table = new AcDbBlockTable();
+        database_.restoreObject(blockTable_, table, AcDbHandle());
+        setWellKnown();
+    }
+    auto* table = arx::peek<AcDbBlockTable>(blockTable_);
+    for (const ACHAR* name : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
+        AcDbObjectId id;
+        if (table->getAt(name, id) != Acad::eOk) {
+            auto* record = new AcDbBlockTableRecord();
+            record->setName(name);
+            record->setOwnerId(blockTable_);
+            database_.restoreObject(id, record, AcDbHandle());
+            table->restoreRecord(id);
+        }
+        (std::wstring(name) == ACDB_MODEL_SPACE ? modelSpace_ : paperSpace_) = id;
+    }
+    setWellKnown();
+}
+
+bool Loader::readEntity(const TagView& first, AcDbObjectId defaultOwner, AcDbObjectId& id) {
+    if (!collect(first, tags_, "ENDSEC")) return false;
+    parse(tags_, parsed_);
+    // R12 files give the space by the 67 flag, later ones by the owner.
+    if (!parsed_.hasOwner && defaultOwner == modelSpace_) {
+        for (const TagView& b : parsed_.body) {
+            if (b.code == 67 && trimmed(b.value) == "1") defaultOwner = paperSpace_;
+        }
+    }
+    // An entity belongs to a block; an owner that is none (a damaged file) is ignored.
+    if (parsed_.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed_.owner))) {
+        parsed_.hasOwner = false;
+    }
+    const Codec* codec = entityCodec(parsed_.type);
+    bool withChildren = false;
+    if (parsed_.type == "POLYLINE") {
+        withChildren = true;
+        for (const TagView& t : parsed_.body) {
+            std::int64_t flags = 0;
+            if (t.code == 70 && parseInt(t.value, flags) && (flags & (8 | 16 | 64))) {
+                codec = nullptr;  // 3D polylines and meshes are kept as read
+            }
+        }
+    } else if (parsed_.type == "INSERT") {
+        for (const TagView& t : parsed_.body) {
+            std::int64_t follow = 0;
+            if (t.code == 66 && parseInt(t.value, follow) && follow == 1) withChildren = true;
+        }
+    }
+    if (!withChildren) {
+        id = place(parsed_, true, defaultOwner, codec);
+        return true;
+    }
+    // The parent is placed after its children, which name it as their owner; its tags
+    // stay valid as nothing is released until the whole group is read.
+    ParsedObject parent = parsed_;
+    if (parent.handle == 0 || arx::peekObject(ctx_.idOf(parent.handle)) != nullptr) {
+        parent.handle = database_.handseed().value();  // free, so the children can name it
+    }
+    AcDbObjectId parentId = ctx_.idOf(parent.handle);
+    std::vector<AcDbObjectId> children;
+    AcDbObjectId seqend;
+    TagView t;
+    for (;;) {
+        if (!next(t)) return failAtEnd("\"0 SEQEND\"");
+        std::string_view type = trimmed(t.value);
+        if (t.code != 0 || (type != "VERTEX" && type != "ATTRIB" && type != "SEQEND")) {
+            return fail(t.line, "expected \"0 SEQEND\" after the " + std::string(parent.type) +
+                                    ", found " + describe(t));
+        }
+        std::vector<TagView> childTags;
+        if (!collect(t, childTags, "SEQEND")) return false;
+        ParsedObject child;
+        parse(childTags, child);
+        const Codec* childCodec = codec ? entityCodec(child.type) : nullptr;
+        AcDbObjectId childId = place(child, true, parentId, childCodec);
+        if (type == "SEQEND") {
+            seqend = childId;
+            break;
+        }
+        children.push_back(childId);
+    }
+    id = place(parent, true, defaultOwner, codec);
+    if (codec == nullptr) {
+        ObjectRecord& kept = file_->records[id.stub()];
+        kept.children = children;
+        kept.children.push_back(seqend);
+    } else if (auto* pline = arx::peek<AcDb2dPolyline>(id)) {
+        pline->restoreVertices(children, seqend);
+    }
+    return true;
+}
+
+bool Loader::readBlocks() {
+    ensureBlockTable();
+    auto* table = arx::peek<AcDbBlockTable>(blockTable_);
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) return true;
+        if (!is(t, 0, "BLOCK")) {
+            return fail(t.line, "expected \"0 BLOCK\" or \"0 ENDSEC\", found " + describe(t));
+        }
+        if (!collect(t, tags_, "ENDBLK")) return false;
+        parse(tags_, parsed_);
+        std::wstring name;
+        AcGePoint3d origin;
+        for (const TagView& b : parsed_.body) {
+            if (b.code == 2 && name.empty()) name = ctx_.wide(trimmed(b.value));
+            if (b.code == 10) parseReal(b.value, origin.x);
+            if (b.code == 20) parseReal(b.value, origin.y);
+            if (b.code == 30) parseReal(b.value, origin.z);
+        }
+        AcDbObjectId recordId;
+        if (name.empty() || table->getAt(name.c_str(), recordId) != Acad::eOk) {
+            // Files before block records (R12) name the block only here.
+            auto* record = new AcDbBlockTableRecord();
+            if (name.empty() || record->setName(name.c_str()) != Acad::eOk) {
+                delete record;
+                return fail(parsed_.line, "expected a valid block name in \"2\"");
+            }
+            record->setOwnerId(blockTable_);
+            database_.restoreObject(recordId, record, AcDbHandle());
+            table->restoreRecord(recordId);
+        }
+        auto* record = arx::peek<AcDbBlockTableRecord>(recordId);
+        record->setOrigin(origin);
+        AcDbObjectId begin = place(parsed_, true, recordId, nullptr);
+        reader_.release();
+        bool layout = recordId == modelSpace_ || recordId == paperSpace_;
+        for (;;) {
+            if (!next(t)) return failAtEnd("\"0 ENDBLK\"");
+            if (is(t, 0, "ENDBLK")) break;
+            if (t.code != 0 || isStructural(t)) {
+                return fail(t.line, "expected an entity or \"0 ENDBLK\", found " + describe(t));
+            }
+            AcDbObjectId id;
+            if (!readEntity(t, recordId, id)) return false;
+            auto* owner = arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId());
+            (owner ? owner : record)->restoreEntity(id);
+            if (layout) file_->entities.push_back(id);
+            reader_.release();
+        }
+        if (!collect(t, tags_, "ENDSEC")) return false;
+        parse(tags_, parsed_);
+        AcDbObjectId end = place(parsed_, true, recordId, nullptr);
+        file_->blockEnds[recordId.stub()] = {begin, end};
+        file_->blocks.push_back(recordId);
+        reader_.release();
+    }
+    return failAtEnd("\"0 ENDSEC\"");
+}
+
+bool Loader::readEntities() {
+    ensureBlockTable();
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) return true;
+        if (t.code != 0 || isStructural(t)) {
+            return fail(t.line, "expected an entity or \"0 ENDSEC\", found " + describe(t));
+        }
+        AcDbObjectId id;
+        if (!readEntity(t, modelSpace_, id)) return false;
+        auto* owner = arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId());
+        owner->restoreEntity(id);
+        file_->entities.push_back(id);
+        reader_.release();
+    }
+    return failAtEnd("\"0 ENDSEC\"");
+}
+
+bool Loader::readObjects() {
+    TagView t;
+    while (next(t)) {
+        if (is(t, 0, "ENDSEC")) return true;
+        if (t.code != 0 || isStructural(t)) {
+            return fail(t.line, "expected an object or \"0 ENDSEC\", found " + describe(t));
+        }
+        if (!collect(t, tags_, "ENDSEC")) return false;
+        parse(tags_, parsed_);
+        AcDbObjectId id = place(parsed_, false, AcDbObjectId(), objectCodec(parsed_.type));
+        if (namedObjects_.isNull() && arx::peek<AcDbDictionary>(id)) namedObjects_ = id;
+        file_->objects.push_back(id);
+        reader_.release();
+    }
+    return failAtEnd("\"0 ENDSEC\"");
+}
+
+bool Loader::finish() {
+    // What a drawing needs and an older or partial file lacked.
+    auto addTable = [&](AcDbObjectId& id, AcDbObject* table) {
+        if (id.isNull()) {
+            database_.restoreObject(id, table, AcDbHandle());
+        } else {
+            delete table;
+        }
+    };
+    addTable(layerTable_, new AcDbLayerTable());
+    addTable(linetypeTable_, new AcDbLinetypeTable());
+    addTable(appTable_, new AcDbRegAppTable());
+    ensureBlockTable();
+    if (namedObjects_.isNull()) {
+        auto* named = new AcDbDictionary();
+        named->setHardOwner(true);
+        database_.restoreObject(namedObjects_, named, AcDbHandle());
+    }
+    setWellKnown();
+    auto* layers = arx::peek<AcDbLayerTable>(layerTable_);
+    AcDbObjectId layer;
+    if (!layers->has(L"0")) {
+        auto* zero = new AcDbLayerTableRecord();
+        zero->setName(L"0");
+        zero->setOwnerId(layerTable_);
+        database_.restoreObject(layer, zero, AcDbHandle());
+        layers->restoreRecord(layer);
+    }
+    if (clayer_.empty() || layers->getAt(clayer_.c_str(), layer) != Acad::eOk)
+        layers->getAt(L"0", layer);
+    database_.setClayer(layer);
+    database_.setTilemode(tilemode_ != 0);
+    database_.setHandseed(handseed_);
+    database_.setFileData(std::move(file_));
+    return true;
+}
+
+bool Loader::run() {
+    TagView t;
+    bool any = false;
+    while (next(t)) {
+        if (t.code == 999) continue;
+        if (is(t, 0, "EOF")) {
+            if (!any) return fail(t.line, "not a DXF file: no section before \"0 EOF\"");
+            return finish();
+        }
+        if (!is(t, 0, "SECTION")) {
+            return fail(t.line, std::string(any ? "" : "not a DXF file: ") +
+                                    "expected \"0 SECTION\" or \"0 EOF\", found " + describe(t));
+        }
+        if (!next(t)) return failAtEnd("\"2\" with the section name");
+        if (t.code != 2)
+            return fail(t.line, "expected \"2\" with the section name, found " + describe(t));
+        std::string name(trimmed(t.value));
+        any = true;
+        file_->sectionOrder.push_back(name);
+        bool ok = false;
+        if (name == "HEADER") {
+            ok = readHeader();
+        } else if (name == "TABLES") {
+            ok = readTables();
+        } else if (name == "BLOCKS") {
+            ok = readBlocks();
+        } else if (name == "ENTITIES") {
+            ok = readEntities();
+        } else if (name == "OBJECTS") {
+            ok = readObjects();
+        } else {
+            ok = readKeptSection(name);
+        }
+        if (!ok) return false;
+        reader_.release();
+    }
+    if (reader_.failed()) return false;
+    return failAtEnd(any ? "\"0 EOF\"" : "\"0 SECTION\" (the file is empty)");
+}
+
+}  // namespace
+
+bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name) {
+    try {
+        Loader loader(in, name, database);
+        if (loader.run()) {
+            error.clear();
+            return true;
+        }
+        error = loader.error();
+    } catch (const std::bad_alloc&) {
+        error = name + ": not enough memory to read the drawing";
+    } catch (const std::exception& e) {
+        error = name + ": " + e.what();
+    }
+    return false;
+}
+
+bool load(const std::string& path, AcDbDatabase& database, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = path + ": cannot open the file";
+        return false;
+    }
+    return read(in, database, error, path);
+}
+
+std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error) {
+    auto database = std::make_unique<AcDbDatabase>(false);
+    if (!load(path, *database, error)) return nullptr;
+    return database;
+}
+
+}  // namespace dxf

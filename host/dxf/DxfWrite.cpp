@@ -1,0 +1,794 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <new>
+#include <ostream>
+#include <unordered_set>
+
+#include "host/arx/dbdict.h"
+#include "host/arx/dbents.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/peek.h"
+#include "host/db/TextCodec.h"
+#include "host/dxf/Codecs.h"
+#include "host/dxf/Dxf.h"
+#include "host/dxf/DxfModel.h"
+
+namespace dxf {
+
+namespace {
+
+const char* const kStandardTables[] = {"VPORT", "LTYPE", "LAYER",    "STYLE",       "VIEW",
+                                       "UCS",   "APPID", "DIMSTYLE", "BLOCK_RECORD"};
+
+std::wstring upper(std::wstring text) {
+    for (wchar_t& c : text) {
+        if (c >= L'a' && c <= L'z') c = static_cast<wchar_t>(c - L'a' + L'A');
+    }
+    return text;
+}
+
+bool live(AcDbObjectId id) {
+    return WriteContext::handleOf(id) != 0;
+}
+
+class Saver {
+  public:
+    Saver(const AcDbDatabase& database, TagWriter& out, const SaveOptions& options)
+        : database_(database),
+          file_(dynamic_cast<const FileData*>(database.fileData())),
+          version_(chooseVersion(options)),
+          ctx_(database, file_, out, DxfStrings(version_, file_ ? file_->codePage : "ANSI_936")) {}
+
+    bool run();
+
+  private:
+    std::string chooseVersion(const SaveOptions& options) const {
+        if (!options.version.empty()) return options.version;
+        if (file_ && file_->version.size() == 6 && file_->version > "AC1024") return file_->version;
+        return "AC1024";
+    }
+    std::uint64_t fresh() { return nextHandle_++; }
+    void plan();
+    void writeHeader();
+    void writeTables();
+    void writeBlocks();
+    void writeEntities();
+    void writeObjects();
+    void writeKept(const std::string& name);
+
+    void writeObject(const AcDbObject& obj, const std::string* tableName = nullptr);
+    void writeEntityTree(AcDbObjectId id);
+    void writeHead(const AcDbObject& obj, std::string_view dxfName, const ObjectRecord* record,
+                   const std::string* tableName);
+    void writeTable(const std::string& name, AcDbObjectId head);
+    std::vector<std::pair<std::string, AcDbObjectId>> tableOrder() const;
+    std::vector<AcDbObjectId> blockOrder() const;
+    std::pair<AcDbObjectId, AcDbObjectId> blockEnds(AcDbObjectId record) const;
+    void synthTable(const std::string& name);
+
+    const AcDbDatabase& database_;
+    const FileData* file_;
+    std::string version_;
+    WriteContext ctx_;
+    std::uint64_t nextHandle_ = 0;
+    std::uint64_t handseed_ = 0;
+    std::vector<std::wstring> missingApps_;
+    std::unordered_set<const db::Stub*> written_;
+};
+
+void Saver::plan() {
+    // Handles for what the writer adds (block ends, tables a drawing made here lacks,
+    // missing application names) come after every handle in use.
+    nextHandle_ = database_.handseed().value();
+    std::uint64_t needed = 0;
+    for (AcDbObjectId id : blockOrder()) {
+        auto ends = blockEnds(id);
+        needed += (live(ends.first) ? 0 : 1) + (live(ends.second) ? 0 : 1);
+    }
+    for (const auto& [name, id] : tableOrder()) {
+        if (!live(id)) needed += name == "VPORT" || name == "STYLE" ? 2 : 1;
+    }
+    std::unordered_set<std::wstring> registered;
+    if (auto* apps = arx::peek<AcDbRegAppTable>(database_.regAppTableId())) {
+        for (AcDbObjectId id : apps->recordIds()) {
+            if (auto* r = arx::peek<AcDbRegAppTableRecord>(id); r && live(id)) {
+                registered.insert(upper(r->nameText()));
+            }
+        }
+    }
+    for (const db::Stub& stub : database_.stubs()) {
+        auto* obj = static_cast<const AcDbObject*>(stub.object.get());
+        if (obj == nullptr || stub.erased) continue;
+        if (auto* pline = AcDb2dPolyline::cast(obj); pline && !live(pline->sequenceEndId())) {
+            ++needed;
+        }
+        auto check = [&](const std::wstring& app) {
+            if (registered.insert(upper(app)).second) missingApps_.push_back(app);
+        };
+        // Xdata still packed as read is looked at in that form: unpacking all of it
+        // would cost what keeping it packed saved.
+        if (const std::string* packed = obj->packedXdata()) {
+            forEachPacked(*packed, [&](int code, std::string_view text) {
+                if (code == 1001) check(db::utf8ToWide(text));
+            });
+            continue;
+        }
+        for (const db::Value& v : obj->xdataValues()) {
+            if (v.code == 1001 && v.text()) check(*v.text());
+        }
+    }
+    needed += missingApps_.size();
+    handseed_ = nextHandle_ + needed;
+}
+
+void Saver::writeHeader() {
+    TagWriter& out = ctx_.out;
+    out.text(0, "SECTION");
+    out.text(2, "HEADER");
+    bool wroteVersion = false, wroteSeed = false;
+    auto writeVersion = [&] {
+        out.text(9, "$ACADVER");
+        out.text(1, version_);
+        wroteVersion = true;
+    };
+    auto writeSeed = [&] {
+        out.text(9, "$HANDSEED");
+        out.handle(5, handseed_);
+        wroteSeed = true;
+    };
+    if (file_ && file_->hasHeader) {
+        const AcDbRawTags& tags = file_->header;
+        for (std::size_t i = 0; i < tags.size(); ++i) {
+            const AcDbRawTag& t = tags[i];
+            if (t.code == 9 && i + 1 < tags.size()) {
+                const std::string& name = t.value;
+                if (name == "$ACADVER") {
+                    writeVersion();
+                    ++i;
+                    continue;
+                }
+                if (name == "$HANDSEED") {
+                    if (!wroteVersion) writeVersion();
+                    writeSeed();
+                    ++i;
+                    continue;
+                }
+                if (name == "$INSUNITS") {
+                    out.text(9, name);
+                    out.integer(70, file_->insUnits);
+                    ++i;
+                    continue;
+                }
+                if (name == "$TILEMODE") {
+                    out.text(9, name);
+                    out.integer(70, database_.tilemode() ? 1 : 0);
+                    ++i;
+                    continue;
+                }
+                if (!wroteVersion) writeVersion();
+            }
+            ctx_.raw(t);
+        }
+        if (!wroteVersion) writeVersion();
+        if (!wroteSeed) writeSeed();
+    } else {
+        writeVersion();
+        out.text(9, "$DWGCODEPAGE");
+        out.text(3, ctx_.strings.codePage());
+        writeSeed();
+        out.text(9, "$INSUNITS");
+        out.integer(70, file_ ? file_->insUnits : 6);
+        // Hatch patterns are made from the standard (imperial) pattern file.
+        out.text(9, "$MEASUREMENT");
+        out.integer(70, 0);
+        out.text(9, "$TILEMODE");
+        out.integer(70, database_.tilemode() ? 1 : 0);
+    }
+    out.text(0, "ENDSEC");
+}
+
+void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const ObjectRecord* record,
+                      const std::string* tableName) {
+    TagWriter& out = ctx_.out;
+    out.text(0, dxfName);
+    if (tableName) ctx_.textUtf8(2, *tableName);
+    out.handle(record ? record->handleCode : 5, obj.objectId().handle().value());
+    if (record) {
+        for (const AcDbRawTag& t : record->appGroups)
+            ctx_.raw(t);
+    }
+    bool anyReactor = false;
+    for (AcDbObjectId id : obj.persistentReactorIds())
+        anyReactor = anyReactor || live(id);
+    auto reactors = [&] {
+        if (!anyReactor) return;
+        out.text(102, "{ACAD_REACTORS");
+        for (AcDbObjectId id : obj.persistentReactorIds()) {
+            if (live(id)) ctx_.ref(330, id);
+        }
+        out.text(102, "}");
+    };
+    auto dictionary = [&] {
+        if (!live(obj.extensionDictionary())) return;
+        out.text(102, "{ACAD_XDICTIONARY");
+        ctx_.ref(360, obj.extensionDictionary());
+        out.text(102, "}");
+    };
+    if (record && record->dictionaryFirst) {
+        dictionary();
+        reactors();
+    } else {
+        reactors();
+        dictionary();
+    }
+    out.handle(330, WriteContext::handleOf(obj.ownerId()));
+}
+
+void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
+    written_.insert(obj.stub());
+    const ObjectRecord* record = ctx_.record(&obj);
+    if (const Codec* codec = codecOf(obj)) {
+        writeHead(obj, tableName ? "TABLE" : codec->dxfName, record, tableName);
+        codec->write(obj, ctx_, record);
+    } else if (auto* entity = AcDbUnknownEntity::cast(&obj)) {
+        writeHead(obj, entity->dxfName(), record, nullptr);
+        for (const AcDbRawTag& t : entity->tags())
+            ctx_.raw(t);
+    } else if (auto* kept = AcDbUnknownObject::cast(&obj)) {
+        writeHead(obj, tableName ? "TABLE" : kept->dxfName(), record, tableName);
+        bool active = false;
+        bool view = kept->dxfName() == "VPORT" && file_ != nullptr;
+        for (const AcDbRawTag& t : kept->tags()) {
+            if (view && t.code == 2)
+                active = upper(std::wstring(t.value.begin(), t.value.end())) == L"*ACTIVE";
+            if (view && active && (t.code == 12 || t.code == 22 || t.code == 40 || t.code == 41)) {
+                const DxfView& v = file_->view;
+                ctx_.out.real(t.code, t.code == 12   ? v.centerX
+                                      : t.code == 22 ? v.centerY
+                                      : t.code == 40 ? v.height
+                                                     : v.aspect);
+                continue;
+            }
+            ctx_.raw(t);
+        }
+    } else {
+        return;  // a class this writer does not know cannot come from a file
+    }
+    if (const std::string* packed = obj.packedXdata()) {
+        writePackedXdata(ctx_, *packed);
+    } else {
+        writeValues(ctx_, obj.xdataValues());
+    }
+}
+
+void Saver::synthTable(const std::string& name) {
+    TagWriter& out = ctx_.out;
+    std::uint64_t head = fresh();
+    out.text(0, "TABLE");
+    out.text(2, name);
+    out.handle(5, head);
+    out.handle(330, 0);
+    out.text(100, "AcDbSymbolTable");
+    out.integer(70, name == "VPORT" || name == "STYLE" ? 1 : 0);
+    if (name == "DIMSTYLE") {
+        out.text(100, "AcDbDimStyleTable");
+        out.integer(71, 0);
+    }
+    if (name == "VPORT") {
+        DxfView v = file_ ? file_->view : DxfView();
+        out.text(0, "VPORT");
+        out.handle(5, fresh());
+        out.handle(330, head);
+        out.text(100, "AcDbSymbolTableRecord");
+        out.text(100, "AcDbViewportTableRecord");
+        out.text(2, "*Active");
+        out.integer(70, 0);
+        out.point(10, 0, 0);
+        out.point(11, 1, 1);
+        out.point(12, v.centerX, v.centerY);
+        out.point(13, 0, 0);
+        out.point(14, 10, 10);
+        out.point(15, 10, 10);
+        out.point(16, 0, 0, 1);
+        out.point(17, 0, 0, 0);
+        out.real(40, v.height);
+        out.real(41, v.aspect);
+        out.real(42, 50);
+        out.real(43, 0);
+        out.real(44, 0);
+        out.real(50, 0);
+        out.real(51, 0);
+    } else if (name == "STYLE") {
+        out.text(0, "STYLE");
+        out.handle(5, fresh());
+        out.handle(330, head);
+        out.text(100, "AcDbSymbolTableRecord");
+        out.text(100, "AcDbTextStyleTableRecord");
+        out.text(2, "Standard");
+        out.integer(70, 0);
+        out.real(40, 0);
+        out.real(41, 1);
+        out.real(50, 0);
+        out.integer(71, 0);
+        out.real(42, 2.5);
+        out.text(3, "txt");
+        out.text(4, "");
+    }
+    out.text(0, "ENDTAB");
+}
+
+void Saver::writeTable(const std::string& name, AcDbObjectId headId) {
+    const AcDbObject* head = arx::peekObject(headId);
+    writeObject(*head, &name);
+    if (auto* typed = AcDbSymbolTable::cast(head)) {
+        for (AcDbObjectId id : typed->recordIds()) {
+            if (live(id)) writeObject(*arx::peekObject(id));
+        }
+        if (AcDbRegAppTable::cast(head)) {
+            for (const std::wstring& app : missingApps_) {
+                TagWriter& out = ctx_.out;
+                out.text(0, "APPID");
+                out.handle(5, fresh());
+                out.handle(330, headId.handle().value());
+                out.text(100, "AcDbSymbolTableRecord");
+                out.text(100, "AcDbRegAppTableRecord");
+                ctx_.text(2, app);
+                out.integer(70, 0);
+            }
+        }
+    } else if (file_) {
+        auto it = file_->tableRecords.find(headId.stub());
+        if (it != file_->tableRecords.end()) {
+            for (AcDbObjectId id : it->second) {
+                if (live(id)) writeObject(*arx::peekObject(id));
+            }
+        }
+    }
+    ctx_.out.text(0, "ENDTAB");
+}
+
+std::vector<std::pair<std::string, AcDbObjectId>> Saver::tableOrder() const {
+    std::vector<std::pair<std::string, AcDbObjectId>> order;
+    if (file_) {
+        for (AcDbObjectId id : file_->tables) {
+            if (!live(id)) continue;
+            const AcDbObject* head = arx::peekObject(id);
+            const Codec* codec = codecOf(*head);
+            auto name = file_->tableNames.find(id.stub());
+            if (codec) {
+                order.emplace_back(std::string(codec->dxfName), id);
+            } else if (name != file_->tableNames.end()) {
+                order.emplace_back(name->second, id);
+            }
+        }
+    }
+    const std::pair<const char*, AcDbObjectId> typed[] = {
+        {"LTYPE", database_.linetypeTableId()},
+        {"LAYER", database_.layerTableId()},
+        {"APPID", database_.regAppTableId()},
+        {"BLOCK_RECORD", database_.blockTableId()},
+    };
+    for (const char* name : kStandardTables) {
+        bool present = false;
+        for (const auto& entry : order)
+            present = present || entry.first == name;
+        if (present) continue;
+        AcDbObjectId id;
+        for (const auto& [typedName, typedId] : typed) {
+            if (std::strcmp(typedName, name) == 0) id = typedId;
+        }
+        order.emplace_back(name, id);
+    }
+    auto rank = [](const std::string& name) {
+        for (std::size_t i = 0; i < std::size(kStandardTables); ++i) {
+            if (name == kStandardTables[i]) return static_cast<int>(i);
+        }
+        return static_cast<int>(std::size(kStandardTables));
+    };
+    // Files keep this order; one that lacked a table gets it in its place.
+    std::stable_sort(order.begin(), order.end(),
+                     [&](const auto& a, const auto& b) { return rank(a.first) < rank(b.first); });
+    return order;
+}
+
+std::vector<AcDbObjectId> Saver::blockOrder() const {
+    auto* table = arx::peek<AcDbBlockTable>(database_.blockTableId());
+    std::vector<AcDbObjectId> order;
+    std::unordered_set<const db::Stub*> listed;
+    if (file_) {
+        for (AcDbObjectId id : file_->blocks) {
+            if (live(id) && listed.insert(id.stub()).second) order.push_back(id);
+        }
+    }
+    if (table) {
+        for (AcDbObjectId id : table->recordIds()) {
+            if (live(id) && listed.insert(id.stub()).second) order.push_back(id);
+        }
+    }
+    // A record whose name a damaged file did not give has no block a reader could find.
+    std::erase_if(order, [this](AcDbObjectId id) {
+        auto* record = arx::peek<AcDbBlockTableRecord>(id);
+        return record == nullptr || (record->nameText().empty() && !live(blockEnds(id).first));
+    });
+    return order;
+}
+
+std::pair<AcDbObjectId, AcDbObjectId> Saver::blockEnds(AcDbObjectId record) const {
+    if (file_) {
+        auto it = file_->blockEnds.find(record.stub());
+        if (it != file_->blockEnds.end()) return it->second;
+    }
+    return {};
+}
+
+void Saver::writeTables() {
+    TagWriter& out = ctx_.out;
+    out.text(0, "SECTION");
+    out.text(2, "TABLES");
+    for (const auto& [name, id] : tableOrder()) {
+        if (live(id)) {
+            writeTable(name, id);
+        } else {
+            synthTable(name);
+        }
+    }
+    out.text(0, "ENDSEC");
+}
+
+void Saver::writeEntityTree(AcDbObjectId id) {
+    if (!live(id)) return;
+    const AcDbObject* obj = arx::peekObject(id);
+    writeObject(*obj);
+    if (auto* pline = AcDb2dPolyline::cast(obj)) {
+        for (AcDbObjectId v : pline->vertexIds())
+            writeObject(*arx::peekObject(v));
+        if (live(pline->sequenceEndId())) {
+            writeObject(*arx::peekObject(pline->sequenceEndId()));
+        } else {
+            TagWriter& out = ctx_.out;
+            out.text(0, "SEQEND");
+            out.handle(5, fresh());
+            out.handle(330, id.handle().value());
+            out.text(100, "AcDbEntity");
+            ctx_.text(8, pline->layerName());
+        }
+    } else if (const ObjectRecord* record = ctx_.record(obj)) {
+        for (AcDbObjectId child : record->children) {
+            if (live(child)) writeObject(*arx::peekObject(child));
+        }
+    }
+}
+
+void Saver::writeBlocks() {
+    TagWriter& out = ctx_.out;
+    out.text(0, "SECTION");
+    out.text(2, "BLOCKS");
+    for (AcDbObjectId recordId : blockOrder()) {
+        auto* record = arx::peek<AcDbBlockTableRecord>(recordId);
+        if (record == nullptr) continue;
+        std::pair<AcDbObjectId, AcDbObjectId> ends = blockEnds(recordId);
+        bool paper = recordId == database_.paperSpaceId();
+        if (live(ends.first)) {
+            writeObject(*arx::peekObject(ends.first));
+        } else {
+            out.text(0, "BLOCK");
+            out.handle(5, fresh());
+            out.handle(330, recordId.handle().value());
+            out.text(100, "AcDbEntity");
+            if (paper) out.integer(67, 1);
+            out.text(8, "0");
+            out.text(100, "AcDbBlockBegin");
+            ctx_.text(2, record->nameText());
+            out.integer(70, 0);
+            AcGePoint3d o = record->origin();
+            out.point(10, o.x, o.y, o.z);
+            ctx_.text(3, record->nameText());
+            out.text(1, "");
+        }
+        if (recordId != database_.modelSpaceId() && !paper) {
+            for (AcDbObjectId id : record->entityIds())
+                writeEntityTree(id);
+        }
+        if (live(ends.second)) {
+            writeObject(*arx::peekObject(ends.second));
+        } else {
+            out.text(0, "ENDBLK");
+            out.handle(5, fresh());
+            out.handle(330, recordId.handle().value());
+            out.text(100, "AcDbEntity");
+            if (paper) out.integer(67, 1);
+            out.text(8, "0");
+            out.text(100, "AcDbBlockEnd");
+        }
+    }
+    out.text(0, "ENDSEC");
+}
+
+void Saver::writeEntities() {
+    TagWriter& out = ctx_.out;
+    out.text(0, "SECTION");
+    out.text(2, "ENTITIES");
+    AcDbObjectId spaces[] = {database_.modelSpaceId(), database_.paperSpaceId()};
+    if (file_) {
+        for (AcDbObjectId id : file_->entities) {
+            const AcDbObject* obj = arx::peekObject(id);
+            if (!live(id) || (obj->ownerId() != spaces[0] && obj->ownerId() != spaces[1])) continue;
+            writeEntityTree(id);
+        }
+    }
+    for (AcDbObjectId space : spaces) {
+        auto* record = arx::peek<AcDbBlockTableRecord>(space);
+        if (record == nullptr) continue;
+        for (AcDbObjectId id : record->entityIds()) {
+            if (!written_.count(id.stub())) writeEntityTree(id);
+        }
+    }
+    out.text(0, "ENDSEC");
+}
+
+void Saver::writeObjects() {
+    TagWriter& out = ctx_.out;
+    out.text(0, "SECTION");
+    out.text(2, "OBJECTS");
+    // The root dictionary comes first; readers take the first object for it.
+    if (live(database_.namedObjectsDictionaryId())) {
+        writeObject(*arx::peekObject(database_.namedObjectsDictionaryId()));
+    }
+    if (file_) {
+        for (AcDbObjectId id : file_->objects) {
+            if (live(id) && !written_.count(id.stub())) writeObject(*arx::peekObject(id));
+        }
+    }
+    // Heads and records of the tables the host does not model belong to TABLES, even
+    // when a file put OBJECTS first.
+    std::unordered_set<const db::Stub*> tabled;
+    if (file_) {
+        for (AcDbObjectId id : file_->tables)
+            tabled.insert(id.stub());
+        for (const auto& [head, records] : file_->tableRecords) {
+            for (AcDbObjectId id : records)
+                tabled.insert(id.stub());
+        }
+    }
+    for (const db::Stub& stub : database_.stubs()) {
+        auto* obj = static_cast<const AcDbObject*>(stub.object.get());
+        if (obj == nullptr || stub.erased || written_.count(&stub) || tabled.count(&stub)) continue;
+        if (AcDbEntity::cast(obj) || AcDbSymbolTable::cast(obj) ||
+            AcDbSymbolTableRecord::cast(obj)) {
+            continue;
+        }
+        writeObject(*obj);
+    }
+    out.text(0, "ENDSEC");
+}
+
+void Saver::writeKept(const std::string& name) {
+    if (!file_) return;
+    for (const FileData::Section& section : file_->keptSections) {
+        if (section.name != name) continue;
+        ctx_.out.text(0, "SECTION");
+        ctx_.out.text(2, name);
+        for (const AcDbRawTag& t : section.tags)
+            ctx_.raw(t);
+        ctx_.out.text(0, "ENDSEC");
+    }
+}
+
+bool Saver::run() {
+    plan();
+    std::vector<std::string> order;
+    if (file_) order = file_->sectionOrder;
+    for (const char* name : {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS"}) {
+        if (std::find(order.begin(), order.end(), name) != order.end()) continue;
+        if (std::string(name) == "CLASSES") continue;  // nothing to say
+        // Missing ones go after the last section that comes before them.
+        auto at = order.end();
+        if (std::string(name) == "HEADER") at = order.begin();
+        order.insert(at, name);
+    }
+    std::unordered_set<std::string> done;
+    for (const std::string& name : order) {
+        if (!done.insert(name).second) continue;
+        if (name == "HEADER") {
+            writeHeader();
+        } else if (name == "TABLES") {
+            writeTables();
+        } else if (name == "BLOCKS") {
+            writeBlocks();
+        } else if (name == "ENTITIES") {
+            writeEntities();
+        } else if (name == "OBJECTS") {
+            writeObjects();
+        } else {
+            writeKept(name);
+        }
+    }
+    ctx_.out.text(0, "EOF");
+    return ctx_.out.flush() && nextHandle_ <= handseed_;
+}
+
+bool writeTo(const AcDbDatabase& database, TagWriter& out, std::string& error,
+             const SaveOptions& options) {
+    const std::string& v = options.version;
+    if (!v.empty() && !(v == "AC1015" || v == "AC1018" || v == "AC1021" || v == "AC1024" ||
+                        v == "AC1027" || v == "AC1032")) {
+        error = "cannot write DXF version " + v + " (AC1015 to AC1032 are written)";
+        return false;
+    }
+    Saver saver(database, out, options);
+    if (!saver.run()) {
+        if (error.empty()) error = "the drawing could not be written";
+        return false;
+    }
+    return true;
+}
+
+std::string systemError(const std::string& what, int code) {
+    return what + ": " + std::strerror(code);
+}
+
+}  // namespace
+
+bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
+           const SaveOptions& options) {
+    try {
+        error.clear();
+        TagWriter writer([&](std::string_view bytes) {
+            out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+            return static_cast<bool>(out);
+        });
+        if (!writeTo(database, writer, error, options)) {
+            if (!out) error = "the stream refused the drawing";
+            return false;
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        error = "not enough memory to write the drawing";
+    } catch (const std::exception& e) {
+        error = e.what();
+    }
+    return false;
+}
+
+bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
+          const SaveOptions& options) {
+    namespace fs = std::filesystem;
+    std::string tmp;
+    int fd = -1;
+    try {
+        error.clear();
+        fs::path target(path);
+        fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
+        struct stat info;
+        if (::stat(folder.c_str(), &info) != 0) {
+            error = systemError(path + ": cannot save into " + folder.string(), errno);
+            return false;
+        }
+        // Checked by mode as well, since the super-user is not refused by the system.
+        if ((info.st_mode & 0222) == 0) {
+            error = path + ": the folder " + folder.string() + " is read-only";
+            return false;
+        }
+        bool exists = ::stat(path.c_str(), &info) == 0;
+        if (exists && !S_ISREG(info.st_mode)) {
+            error = path + ": not a regular file";
+            return false;
+        }
+        if (exists && (info.st_mode & 0222) == 0) {
+            error = path + ": the file is read-only";
+            return false;
+        }
+        tmp = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
+        fd = ::mkstemp(tmp.data());
+        if (fd < 0) {
+            std::string reason =
+                systemError(path + ": cannot create a file in " + folder.string(), errno);
+            tmp.clear();
+            error = reason;
+            return false;
+        }
+        int writeErrno = 0;
+        TagWriter writer([&](std::string_view bytes) {
+            while (!bytes.empty()) {
+                ssize_t n = ::write(fd, bytes.data(), bytes.size());
+                if (n < 0) {
+                    if (errno == EINTR) continue;
+                    writeErrno = errno;
+                    return false;
+                }
+                bytes.remove_prefix(static_cast<std::size_t>(n));
+            }
+            return true;
+        });
+        bool ok = writeTo(database, writer, error, options);
+        if (!ok && writeErrno)
+            error = systemError(path + ": the drawing could not be written", writeErrno);
+        if (ok && ::fsync(fd) != 0) {
+            error = systemError(path + ": the drawing could not be flushed to disk", errno);
+            ok = false;
+        }
+        if (ok && exists) ::fchmod(fd, info.st_mode & 07777);
+        if (::close(fd) != 0 && ok) {
+            error = systemError(path + ": the drawing could not be written", errno);
+            ok = false;
+        }
+        fd = -1;
+        if (ok && exists) {
+            // The previous file stays as the backup: a second name for the same bytes.
+            std::string backup = path + ".bak";
+            ::unlink(backup.c_str());
+            if (::link(path.c_str(), backup.c_str()) != 0) {
+                std::error_code ec;
+                fs::copy_file(target, backup, fs::copy_options::overwrite_existing, ec);
+                if (ec) {
+                    error =
+                        path + ": cannot keep the previous file as " + backup + ": " + ec.message();
+                    ok = false;
+                }
+            }
+        }
+        if (ok && ::rename(tmp.c_str(), path.c_str()) != 0) {
+            error = systemError(path + ": cannot replace the file", errno);
+            ok = false;
+        }
+        if (!ok) {
+            ::unlink(tmp.c_str());
+            return false;
+        }
+        int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+        if (dir >= 0) {
+            ::fsync(dir);
+            ::close(dir);
+        }
+        return true;
+    } catch (const std::exception& e) {
+        if (fd >= 0) ::close(fd);
+        if (!tmp.empty()) ::unlink(tmp.c_str());
+        error = path + ": " + e.what();
+    }
+    return false;
+}
+
+DrawingInfo drawingInfo(const AcDbDatabase& database) {
+    DrawingInfo info;
+    const auto* file = dynamic_cast<const FileData*>(database.fileData());
+    FileData defaults;
+    if (file == nullptr) file = &defaults;
+    info.version = file->version;
+    info.codePage = file->codePage;
+    info.insUnits = file->insUnits;
+    info.viewCenterX = file->view.centerX;
+    info.viewCenterY = file->view.centerY;
+    info.viewHeight = file->view.height;
+    info.viewAspect = file->view.aspect;
+    info.hasView = file->hasView;
+    return info;
+}
+
+namespace {
+FileData& fileDataOf(AcDbDatabase& database) {
+    auto* file = dynamic_cast<FileData*>(database.fileData());
+    if (file == nullptr) {
+        database.setFileData(std::make_unique<FileData>());
+        file = static_cast<FileData*>(database.fileData());
+    }
+    return *file;
+}
+}  // namespace
+
+void setView(AcDbDatabase& database, double centerX, double centerY, double height, double aspect) {
+    FileData& file = fileDataOf(database);
+    file.view = {centerX, centerY, height, aspect};
+    file.hasView = true;
+}
+
+void setInsUnits(AcDbDatabase& database, int units) {
+    fileDataOf(database).insUnits = units;
+}
+
+}  // namespace dxf

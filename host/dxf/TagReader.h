@@ -1,0 +1,77 @@
+#pragma once
+// The lowest layer of DXF reading: a stream of (group code, value) tags. ASCII files
+// are read in chunks, so a drawing of any size costs a few megabytes here; binary
+// files are recognised by their sentinel and read the same way.
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <istream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dxf {
+
+struct TagView {
+    int code = 0;
+    // The value as the file has it, without the line end; valid until release().
+    std::string_view value;
+    // The line of the group code (ASCII), or the byte offset (binary).
+    std::size_t line = 0;
+};
+
+class TagReader {
+  public:
+    // Lines longer than this are refused: no DXF writer makes them, and a file that
+    // has one is not DXF. Far above the 2049 characters of a string, as a line read in a
+    // code page may grow when written again (UTF-8, escapes).
+    static constexpr std::size_t kMaxLineLength = 512 * 1024;
+
+    // name is used in messages only.
+    TagReader(std::istream& in, std::string name);
+
+    // The next tag; false at the end of the input or on an error (then error() says
+    // what was wrong, with the file name and line).
+    bool next(TagView& tag);
+    // Values handed out so far may be dropped; call between objects.
+    void release();
+
+    bool failed() const { return !error_.empty(); }
+    const std::string& error() const { return error_; }
+    bool isBinary() const { return binary_; }
+    const std::string& name() const { return name_; }
+    // Records an error found by a layer above, at a line of this file.
+    void fail(std::size_t line, const std::string& what);
+    std::size_t line() const { return line_; }
+
+  private:
+    struct Chunk {
+        std::unique_ptr<char[]> data;
+        std::size_t size = 0;
+    };
+    bool readLine(std::string_view& text);
+    bool readValue(TagView& tag);
+    bool refill();
+    bool nextBinary(TagView& tag);
+    bool needBytes(std::size_t count);
+
+    std::istream& in_;
+    std::string name_;
+    std::string error_;
+    std::vector<Chunk> chunks_;  // the last one is being read
+    std::vector<Chunk> spare_;   // released, for reuse: fresh memory costs page faults
+    std::size_t pos_ = 0;        // in the last chunk
+    std::size_t line_ = 0;
+    bool eof_ = false;
+    bool started_ = false;
+    bool binary_ = false;
+    bool wideCodes_ = true;         // binary: 2-byte group codes (R13 on)
+    std::deque<std::string> text_;  // binary: values made text, until release()
+};
+
+// All tags of a text, for tests and small inputs; false with error set on failure.
+bool readTags(std::string_view text, std::vector<std::pair<int, std::string>>& tags,
+              std::string& error);
+
+}  // namespace dxf

@@ -1,0 +1,103 @@
+#pragma once
+// The clip of many curves against one boundary, as the boundary statistics do it: the
+// boundary is read once; a curve whose answer its extents already give is not clipped at
+// all, and one near the boundary is clipped against the boundary's edges near it only,
+// on the same integer grid. Every answer is the one FIsDKAndBoundaryInter and the
+// polyline form of Gpc_Cal would give, without adding and erasing polylines in the
+// drawing.
+#include <polyclipping/clipper.hpp>
+
+#include <optional>
+#include <vector>
+
+#include "host/arx/dbmain.h"
+#include "host/arx/gepnt3d.h"
+#include "host/gpc/gpc.h"
+
+namespace stats {
+
+// A curve as the clipper sees it: its vertices after arc approximation, and their extents.
+struct Outline {
+    std::vector<gpc_vertex> points;
+    double minX = 0, minY = 0, maxX = 0, maxY = 0;
+};
+
+// The outline GetDataFromAcdbPolyline reads; false when the curve's vertices cannot be
+// read.
+bool ReadOutline(AcDbObjectId id, Outline& outline);
+// The same from vertices and bulges already read; chords is room to work in.
+void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, Outline& outline);
+void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, Outline& outline,
+                 AcGePoint3dArray& chords);
+// Adds the outline to the polygon as one contour that is not a hole.
+void AddOutline(const Outline& outline, gpc_polygon* polygon);
+// The area kova::ent::GetArea gives the closed polyline made of the contour.
+double ContourArea(const gpc_vertex_list& contour);
+// The message of a fold that ran out of contours.
+void PrintFoldStopped();
+
+class BoundaryClip {
+  public:
+    explicit BoundaryClip(AcDbObjectId boundary);
+    ~BoundaryClip();
+    BoundaryClip(const BoundaryClip&) = delete;
+    BoundaryClip& operator=(const BoundaryClip&) = delete;
+
+    // As FIsDKAndBoundaryInter(boundary, curve): -1, 0 or 1. For 1, pieces holds the
+    // areas of the contours the intersection of [boundary, curve] yields, smallest first;
+    // otherwise it is empty.
+    int classify(AcDbObjectId curve, std::vector<double>& pieces);
+
+    // How many classifications needed a clip (for measuring the shortcut).
+    long clips() const { return clips_; }
+    // How many of those clipped against the whole boundary rather than its edges near the
+    // curve.
+    long fullClips() const { return fullClips_; }
+
+  private:
+    // Where gpc_polygon_clip puts two polygons on Clipper's integer grid.
+    struct Frame {
+        double ox = 0, oy = 0, scale = 1;
+        bool operator==(const Frame&) const = default;
+    };
+    struct Edge {
+        gpc_vertex a, b;
+        double minX, minY, maxX, maxY;
+    };
+
+    void buildIndex();
+    bool edgeNear(double minX, double minY, double maxX, double maxY) const;
+    bool inside(const gpc_vertex& point) const;
+    // Whether outline_, made of raw_, has no crossing or touching of its own.
+    bool simpleOutline();
+    int clip(const Outline& outline, double ownArea, std::vector<double>& pieces);
+    // The areas of the contours gpc_polygon_clip(GPC_INT, boundary, curve) gives, in its
+    // order.
+    std::vector<double> intersect(const Outline& outline);
+    // The same from Clipper, with the boundary cut down to its edges near the curve; none
+    // when that cannot be done safely.
+    std::optional<std::vector<double>> intersectNear(const Outline& outline);
+
+    bool readable_ = false;
+    Outline boundary_;
+    gpc_polygon polygon_{0, nullptr, nullptr};
+    std::vector<Edge> edges_;
+    // A grid of cells over the boundary's extents, each listing the edges that reach it,
+    // and horizontal bands listing the edges that span them.
+    double cellW_ = 1, cellH_ = 1;
+    int nx_ = 0, ny_ = 0;
+    std::vector<std::vector<int>> cells_;
+    std::vector<std::vector<int>> bands_;
+    double margin_ = 0;
+    // Buffers reused from curve to curve.
+    AcGePoint3dArray raw_;
+    AcGeDoubleArray bulges_;
+    AcGePoint3dArray chords_;
+    Outline outline_;
+    std::vector<std::size_t> starts_;
+    Frame frame_;
+    ClipperLib::Path ring_;  // the boundary on the grid of frame_
+    long clips_ = 0, fullClips_ = 0;
+};
+
+}  // namespace stats

@@ -1,0 +1,109 @@
+// A file that cannot be read gives one error naming the file, the line and what was
+// expected, and never a drawing.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/dxf/Dxf.h"
+#include "tests/host/dxf/DxfTestSupport.h"
+
+namespace {
+
+std::string tags(std::initializer_list<std::pair<int, const char*>> list) {
+    std::string out;
+    for (const auto& [code, value] : list)
+        out += std::to_string(code) + "\n" + value + "\n";
+    return out;
+}
+
+const std::string kHead = tags({{0, "SECTION"}, {2, "ENTITIES"}});
+
+TEST(DxfErrorTest, BrokenFilesGiveOneErrorWithLineAndExpectation) {
+    struct Case {
+        const char* what;
+        std::string text;
+        const char* expected;  // a part of the message
+    } cases[] = {
+        {"empty file", "", "test.dxf: line 1: expected \"0 SECTION\" (the file is empty)"},
+        {"not DXF at all", "hello world\nthis is text\n",
+         "test.dxf: line 1: expected a group code, found \"hello world\""},
+        {"another format's bytes", std::string("\x89PNG\r\n\x1a\n\0\0", 10),
+         "line 1: expected a group code, found \"\\x89PNG\""},
+        {"a group code that is not a number", kHead + "0\nLINE\n8\n0\nten\n1.0\n",
+         "test.dxf: line 9: expected a group code, found \"ten\""},
+        {"a value missing at the end", kHead + "0\nLINE\n10\n",
+         "test.dxf: line 8: expected the value of group code 10"},
+        {"a section without ENDSEC", kHead + tags({{0, "LINE"}, {8, "0"}}),
+         "test.dxf: line 9: expected \"0 ENDSEC\", found the end of the file"},
+        {"ENDSEC missing before EOF", kHead + tags({{0, "LINE"}, {8, "0"}, {0, "EOF"}}),
+         "test.dxf: line 9: expected an entity or \"0 ENDSEC\", found \"0 EOF\""},
+        {"a block among the entities", kHead + tags({{0, "BLOCK"}, {2, "B"}, {0, "ENDSEC"}}),
+         "test.dxf: line 5: expected an entity or \"0 ENDSEC\", found \"0 BLOCK\""},
+        {"no EOF", kHead + tags({{0, "ENDSEC"}}),
+         "test.dxf: line 7: expected \"0 EOF\", found the end of the file"},
+        {"a section without a name", tags({{0, "SECTION"}, {8, "X"}}),
+         "test.dxf: line 3: expected \"2\" with the section name, found \"8 X\""},
+        {"something other than a section",
+         tags({{0, "SECTION"}, {2, "HEADER"}, {0, "ENDSEC"}, {0, "LINE"}}),
+         "test.dxf: line 7: expected \"0 SECTION\" or \"0 EOF\", found \"0 LINE\""},
+        {"a polyline without SEQEND",
+         kHead + tags({{0, "POLYLINE"}, {8, "0"}, {0, "VERTEX"}, {8, "0"}, {0, "LINE"}}),
+         "test.dxf: line 13: expected \"0 SEQEND\" after the POLYLINE, found \"0 LINE\""},
+        {"a table without a name",
+         tags({{0, "SECTION"}, {2, "TABLES"}, {0, "TABLE"}, {5, "1"}, {0, "ENDTAB"}}),
+         "test.dxf: line 7: expected \"2\" with the name of the table"},
+        {"a record of another table",
+         tags({{0, "SECTION"}, {2, "TABLES"}, {0, "TABLE"}, {2, "LAYER"}, {0, "APPID"}, {2, "A"}}),
+         "test.dxf: line 9: expected a LAYER record, found \"0 APPID\""},
+        {"a block without ENDBLK",
+         tags({{0, "SECTION"}, {2, "BLOCKS"}, {0, "BLOCK"}, {2, "B"}, {0, "ENDSEC"}}),
+         "test.dxf: line 9: expected an entity or \"0 ENDBLK\", found \"0 ENDSEC\""},
+        {"an over-long line", kHead + "0\nTEXT\n1\n" + std::string(600000, 'x') + "\n",
+         "test.dxf: line 8: line too long (over 524288 bytes)"},
+        {"a truncated binary file", std::string("AutoCAD Binary DXF\r\n\x1a\0\0\0SECT", 28),
+         "test.dxf: byte 22: unterminated string of group code 0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::string error;
+        auto database = dxftest::loadText(c.text, error);
+        EXPECT_EQ(database, nullptr);
+        EXPECT_NE(error.find(c.expected), std::string::npos) << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << "one line: " << error;
+    }
+}
+
+TEST(DxfErrorTest, MissingFileIsNamed) {
+    std::string error;
+    EXPECT_EQ(dxf::load("/nonexistent/drawing.dxf", error), nullptr);
+    EXPECT_EQ(error, "/nonexistent/drawing.dxf: cannot open the file");
+}
+
+// Values a class cannot take do not fail the file: the tags are kept as they were.
+TEST(DxfErrorTest, BadValuesInKnownEntitiesAreKeptAsRead) {
+    std::string text = tags({{0, "SECTION"},
+                             {2, "ENTITIES"},
+                             {0, "CIRCLE"},
+                             {8, "0"},
+                             {10, "one"},
+                             {20, "2"},
+                             {30, "0"},
+                             {40, "-5"},
+                             {0, "LWPOLYLINE"},
+                             {8, "0"},
+                             {90, "7"},
+                             {10, "0"},
+                             {20, "0"},
+                             {0, "ENDSEC"},
+                             {0, "EOF"}});
+    std::string error;
+    auto database = dxftest::loadText(text, error);
+    ASSERT_TRUE(database) << error;
+    std::string saved = dxftest::saveText(*database);
+    EXPECT_NE(saved.find(" 10\none\n 20\n2\n 30\n0\n"), std::string::npos) << saved;
+    EXPECT_NE(saved.find(" 40\n-5\n"), std::string::npos);
+    // A polyline that announces 7 vertices and has 1 is kept whole.
+    EXPECT_NE(saved.find(" 90\n7\n 10\n0\n 20\n0\n"), std::string::npos);
+}
+
+}  // namespace

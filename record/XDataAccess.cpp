@@ -41,9 +41,9 @@ CStringArray numbersIn(const CString& text) {
         }
         int start = i++;
         bool dot = false;
-        while (i < n && (std::iswdigit(text.GetAt(i)) ||
-                         (!dot && text.GetAt(i) == L'.' && i + 1 < n &&
-                          std::iswdigit(text.GetAt(i + 1))))) {
+        while (i < n &&
+               (std::iswdigit(text.GetAt(i)) ||
+                (!dot && text.GetAt(i) == L'.' && i + 1 < n && std::iswdigit(text.GetAt(i + 1))))) {
             dot = dot || text.GetAt(i) == L'.';
             ++i;
         }
@@ -165,7 +165,8 @@ int FSetOneXDataToTwo(AcDbObjectId from, AcDbObjectId to) {
 
 int FSetOneXDataToTwo(AcDbObjectId from, const AcDbObjectIdArray& to) {
     int done = 0;
-    for (AcDbObjectId target : to) done += FSetOneXDataToTwo(from, target);
+    for (AcDbObjectId target : to)
+        done += FSetOneXDataToTwo(from, target);
     return done == to.length() && done > 0 ? 1 : 0;
 }
 

@@ -4,7 +4,9 @@
 
 namespace {
 
-bool isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
+bool isBlank(wchar_t c) {
+    return c == L' ' || c == L'\t';
+}
 
 // The field after the marker at `at`, up to the first blank or stop character.
 CString fieldAt(const CString& line, int at, const wchar_t* stops) {

@@ -104,8 +104,8 @@ void CKovaAttribSet::FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayer
         if (!line.parseBlankMarked(text)) return true;
         if (!line.name.IsEmpty()) nameMap[line.code] = line.name;
         if (!line.colour.IsEmpty()) colourMap[line.code] = line.colour;
-        boundaryLayerMap[line.code] =
-            defaultLayer(line.boundaryLayer, fixedBoundary, boundaryPrefix, line.code, boundarySuffix);
+        boundaryLayerMap[line.code] = defaultLayer(line.boundaryLayer, fixedBoundary,
+                                                   boundaryPrefix, line.code, boundarySuffix);
         hatchLayerMap[line.code] =
             defaultLayer(line.hatchLayer, fixedHatch, hatchPrefix, line.code, hatchSuffix);
         return true;
@@ -126,7 +126,9 @@ int CKovaAttribSet::FCurStandardIsGH(const CString& file) {
     return planning;
 }
 
-int CKovaAttribSet::FCurStandardIsGH() { return FCurStandardIsGH(currentClassTable()); }
+int CKovaAttribSet::FCurStandardIsGH() {
+    return FCurStandardIsGH(currentClassTable());
+}
 
 void CKovaAttribSet::FGetCurGHTypePara(CString& code, CString& name) {
     code = kDefaultTypeCode;

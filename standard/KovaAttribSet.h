@@ -10,7 +10,7 @@
 using CStringMap = std::map<CString, CString>;
 
 class CKovaAttribSet {
-public:
+  public:
     CKovaAttribSet() = default;
     virtual ~CKovaAttribSet() = default;
 
@@ -20,8 +20,8 @@ public:
     // Fills four caller-given maps from the current class table with default layer
     // names from the section "用地图层前后缀". Here "$", "*" and "&" count only after a
     // blank; colours of lines without one are not stored.
-    void FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayerMap,
-                      CStringMap& hatchLayerMap, CStringMap& colourMap);
+    void FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayerMap, CStringMap& hatchLayerMap,
+                      CStringMap& colourMap);
 
     // 1 when the table is a planning table or cannot be opened, 0 for a
     // current-status table (a line "[现状用地]" or "[现状地块]").
@@ -53,7 +53,7 @@ public:
     const CStringMap& HatchMap() const { return m_mapHatch; }
     const CStringMap& RemarkMap() const { return m_mapRemark; }
 
-protected:
+  protected:
     CStringMap m_mapBJLayer;  // "*" field
     CStringMap m_mapTCLayer;  // "&" field
     CStringMap m_mapName;     // text after ":"

@@ -79,7 +79,6 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result);
 int acedSSDel(const ads_name entity, const ads_name ss);
 int acedSSMemb(const ads_name entity, const ads_name ss);
 
-
 namespace arx {
 // Puts the system variables that belong to the application (not to a drawing) back to
 // their initial values; for tests and for the start of a command-line run.

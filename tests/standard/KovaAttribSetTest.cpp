@@ -26,15 +26,15 @@ const wchar_t* const kTable =
     L"填充颜色=7\r\n";
 
 class KovaAttribSetTest : public ::testing::Test {
-protected:
+  protected:
     TempStandards standards_;
 };
 
 }  // namespace
 
 TEST_F(KovaAttribSetTest, ReadsTheSixMapsInEveryEncoding) {
-    for (Encoding encoding : {Encoding::Utf8, Encoding::Utf8Bom, Encoding::Utf16Le,
-                              Encoding::Utf16Be, Encoding::Gbk}) {
+    for (Encoding encoding :
+         {Encoding::Utf8, Encoding::Utf8Bom, Encoding::Utf16Le, Encoding::Utf16Be, Encoding::Gbk}) {
         SCOPED_TRACE(static_cast<int>(encoding));
         standards_.writeClassTable(kTable, encoding);
         CKovaAttribSet set;
@@ -144,7 +144,8 @@ TEST_F(KovaAttribSetTest, PlanningTypeIsReadOnceAndCached) {
 
 TEST_F(KovaAttribSetTest, FacilitySettings) {
     standards_.write(L"配套公建/教育.ini",
-                     L"[教育]\r\nMENU=托儿所; 幼儿园 ;;小学\r\nAllowDKXZ=A33;R22\r\n", Encoding::Gbk);
+                     L"[教育]\r\nMENU=托儿所; 幼儿园 ;;小学\r\nAllowDKXZ=A33;R22\r\n",
+                     Encoding::Gbk);
     standards_.write(L"配套公建/公共配套设施参数.ini", L"[显示]\r\n文字高度=3\r\n");
     standards_.write(L"参数配置/分类要素对应表_配套设施.ini",
                      L"[教育]\r\n要素码=FAPP_PTGJ\r\n分类代码=JY\r\n"

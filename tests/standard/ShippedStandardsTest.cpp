@@ -18,15 +18,16 @@ struct ShippedTable {
 
 TEST(ShippedStandards, EveryClassHasANameAndAColour) {
     const ShippedTable tables[] = {
-        {L"2011国标城乡用地类别.txt", 110,
+        {L"2011国标城乡用地类别.txt",
+         110,
          {L"H", L"H11", L"H14", L"H9", L"E", L"E13", L"E9", L"R", L"R11", L"A33", L"B14", L"M3",
           L"W3", L"S42", L"U31", L"G3"}},
-        {L"1990国标城市用地类别.txt", 129,
-         {L"R", L"R14", L"C", L"C65", L"M", L"W3", L"T", L"T23", L"S3", L"U29", L"G22", L"D3",
-          L"E", L"E7"}},
+        {L"1990国标城市用地类别.txt",
+         129,
+         {L"R", L"R14", L"C", L"C65", L"M", L"W3", L"T", L"T23", L"S3", L"U29", L"G22", L"D3", L"E",
+          L"E7"}},
     };
-    CKovaDataSet::FSetGStandardDirPath(
-        db::utf8ToWide(KPLAN_SOURCE_DIR "/data/standards").c_str());
+    CKovaDataSet::FSetGStandardDirPath(db::utf8ToWide(KPLAN_SOURCE_DIR "/data/standards").c_str());
     CKovaDataSet::FSetStandardName(L"通用国标");
     for (const ShippedTable& table : tables) {
         SCOPED_TRACE(CString(table.file).ToUtf8());

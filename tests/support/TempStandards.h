@@ -5,7 +5,7 @@
 #include <string>
 
 class TempStandards {
-public:
+  public:
     enum class Encoding { Utf8, Utf8Bom, Utf16Le, Utf16Be, Gbk };
     static constexpr const wchar_t* kStandard = L"测试标准";
     static constexpr const wchar_t* kClassTable = L"测试用地.txt";
@@ -27,6 +27,6 @@ public:
     // Bytes of text in an encoding, as a planner's editor would save it.
     static std::string encode(const std::wstring& text, Encoding encoding);
 
-private:
+  private:
     std::filesystem::path root_;
 };

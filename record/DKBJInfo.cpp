@@ -122,19 +122,15 @@ int CDKBJInfo::GetData(const wchar_t* label, CString& value) const {
 }
 
 int CDKBJInfo::SetData(const wchar_t* label, const wchar_t* value) {
-    if (!live(m_id) || label == nullptr || *label == 0) return 0;
-    if (isSimpleLabel(label)) {
-        return ARX_DATA::CFSimpleXData::SetTo(m_id, label, value ? value : L"");
-    }
-    if (same(label, dk::LBL_PTGJ)) {
-        CStringArray facilities;
-        facilities.Add(value);
-        return SetPTGJInfo(facilities);
-    }
-    return write(dk::APP_DKBJ, label, value);
+    return setLabel(dk::APP_DKBJ, label, value);
 }
 
 int CDKBJInfo::SetXZData(const wchar_t* label, const wchar_t* value) {
+    return setLabel(dk::APP_XZYD, label, value);
+}
+
+// Simple-item labels and the facilities go to their own places whatever the list.
+int CDKBJInfo::setLabel(const wchar_t* app, const wchar_t* label, const wchar_t* value) {
     if (!live(m_id) || label == nullptr || *label == 0) return 0;
     if (isSimpleLabel(label)) {
         return ARX_DATA::CFSimpleXData::SetTo(m_id, label, value ? value : L"");
@@ -144,7 +140,7 @@ int CDKBJInfo::SetXZData(const wchar_t* label, const wchar_t* value) {
         facilities.Add(value);
         return SetPTGJInfo(facilities);
     }
-    return write(dk::APP_XZYD, label, value);
+    return write(app, label, value);
 }
 
 int CDKBJInfo::writeAll(const wchar_t* app, const CStringArray& values,

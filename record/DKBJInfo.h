@@ -113,6 +113,7 @@ class CDKBJInfo {
   private:
     int read(const wchar_t* app, const wchar_t* label, CString& value) const;
     int write(const wchar_t* app, const wchar_t* label, const wchar_t* value);
+    int setLabel(const wchar_t* app, const wchar_t* label, const wchar_t* value);
     int writeAll(const wchar_t* app, const CStringArray& values, const AcDbObjectIdArray& islands);
 
     AcDbObjectId m_id;

@@ -539,9 +539,26 @@ bool BoundaryClip::inside(const gpc_vertex& point) const {
 }
 
 int BoundaryClip::classify(AcDbObjectId curve, std::vector<double>& pieces) {
+    if (!keepAnswers_ || !readable_) return classifyNow(curve, pieces);
+    auto kept = answers_.find(curve);
+    if (kept != answers_.end()) {
+        pieces = kept->second.pieces;
+        // A curve that was read and lies outside told the user so each time.
+        if (kept->second.overlap == -1) PrintFoldStopped();
+        return kept->second.overlap;
+    }
+    int overlap = classifyNow(curve, pieces);
+    // An unreadable curve is not kept: reading it again costs little and says the same.
+    if (lastRead_) answers_.emplace(curve, Answer{overlap, pieces});
+    return overlap;
+}
+
+int BoundaryClip::classifyNow(AcDbObjectId curve, std::vector<double>& pieces) {
     pieces.clear();
+    lastRead_ = false;
     if (!readable_) return -1;
     if (!kova::ent::GetCurveParam(curve, raw_, bulges_)) return -1;
+    lastRead_ = true;
     double ownArea = 0;
     if (!edges_.empty() && raw_.length() > 0) {
         // Extents of the curve with its arcs, which hold every chord of them: a curve that
@@ -806,6 +823,39 @@ std::optional<std::vector<double>> BoundaryClip::intersectNear(const Outline& ou
         return std::nullopt;
     }
     return areas;
+}
+
+namespace {
+
+struct Session {
+    int depth = 0;
+    std::unordered_map<AcDbObjectId, std::shared_ptr<BoundaryClip>> clips;
+};
+
+Session& session() {
+    static Session s;
+    return s;
+}
+
+}  // namespace
+
+ClipSession::ClipSession() {
+    ++session().depth;
+}
+
+ClipSession::~ClipSession() {
+    if (--session().depth == 0) session().clips.clear();
+}
+
+std::shared_ptr<BoundaryClip> ClipOf(AcDbObjectId boundary) {
+    Session& s = session();
+    if (s.depth == 0) return std::make_shared<BoundaryClip>(boundary);
+    std::shared_ptr<BoundaryClip>& clip = s.clips[boundary];
+    if (!clip) {
+        clip = std::make_shared<BoundaryClip>(boundary);
+        clip->keepAnswers();
+    }
+    return clip;
 }
 
 }  // namespace stats

@@ -7,7 +7,9 @@
 // drawing.
 #include <polyclipping/clipper.hpp>
 
+#include <memory>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "host/arx/dbmain.h"
@@ -48,6 +50,10 @@ class BoundaryClip {
     // otherwise it is empty.
     int classify(AcDbObjectId curve, std::vector<double>& pieces);
 
+    // Keeps each curve's answer, so that a curve classified again costs a lookup; only
+    // while nothing in the drawing changes (see ClipSession).
+    void keepAnswers() { keepAnswers_ = true; }
+
     // How many classifications needed a clip (for measuring the shortcut).
     long clips() const { return clips_; }
     // How many of those clipped against the whole boundary rather than its edges near the
@@ -70,6 +76,7 @@ class BoundaryClip {
     bool inside(const gpc_vertex& point) const;
     // Whether outline_, made of raw_, has no crossing or touching of its own.
     bool simpleOutline();
+    int classifyNow(AcDbObjectId curve, std::vector<double>& pieces);
     int clip(const Outline& outline, double ownArea, std::vector<double>& pieces);
     // The areas of the contours gpc_polygon_clip(GPC_INT, boundary, curve) gives, in its
     // order.
@@ -98,6 +105,29 @@ class BoundaryClip {
     Frame frame_;
     ClipperLib::Path ring_;  // the boundary on the grid of frame_
     long clips_ = 0, fullClips_ = 0;
+    struct Answer {
+        int overlap;
+        std::vector<double> pieces;
+    };
+    bool keepAnswers_ = false;
+    bool lastRead_ = false;  // the last curve classified now could be read
+    std::unordered_map<AcDbObjectId, Answer> answers_;
 };
+
+// A run of statistics over a drawing that does not change while it runs (the balance
+// table of a drawing: its twelve totals, the tabulation, the parcels' overlap tests).
+// While a session lives, each boundary is read once and each curve clipped against it
+// once, however many statistics ask; the answers are the same as without it. Sessions
+// may nest; the clips are dropped when the outermost one ends.
+class ClipSession {
+  public:
+    ClipSession();
+    ~ClipSession();
+    ClipSession(const ClipSession&) = delete;
+    ClipSession& operator=(const ClipSession&) = delete;
+};
+
+// The clip of a boundary: the session's when a session is open, else a new one.
+std::shared_ptr<BoundaryClip> ClipOf(AcDbObjectId boundary);
 
 }  // namespace stats

@@ -149,8 +149,7 @@ int FGetDKAreaByBoundaryGPC(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
                 area += recordArea(id, calculated);
             return 1;
         }
-        stats::BoundaryClip clip(boundary);
-        area = clippedMetres(clip, ids, calculated) / 10000;
+        area = clippedMetres(*stats::ClipOf(boundary), ids, calculated) / 10000;
         return 1;
     });
 }
@@ -169,8 +168,7 @@ int FGetDKAreaByBoundaryGPC(AcDbObjectId boundary, const CString& cls, const AcD
             return 1;
         }
         bool calculated = CDKBJXDInfo::FIsCalcArea() != 0;
-        stats::BoundaryClip clip(boundary);
-        area = clippedMetres(clip, kept, calculated) / 10000;
+        area = clippedMetres(*stats::ClipOf(boundary), kept, calculated) / 10000;
         return 1;
     });
 }
@@ -270,10 +268,10 @@ int FTJDKAreaByBoundary(const AcDbObjectIdArray& boundaries, const AcDbObjectIdA
     return stats::Guarded(L"FTJDKAreaByBoundary", 1, [&] {
         bool calculated = CDKBJXDInfo::FIsCalcArea() != 0;
         bool clipped = !boundaries.isEmpty() && CDKBJXDInfo::FCutBoundaryCalcArea();
-        std::vector<std::unique_ptr<stats::BoundaryClip>> clips;
+        std::vector<std::shared_ptr<stats::BoundaryClip>> clips;
         if (clipped) {
             for (AcDbObjectId boundary : boundaries)
-                clips.push_back(std::make_unique<stats::BoundaryClip>(boundary));
+                clips.push_back(stats::ClipOf(boundary));
         }
         std::vector<double> pieces, islandPieces;
         for (AcDbObjectId id : parcels) {

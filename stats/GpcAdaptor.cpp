@@ -147,28 +147,10 @@ int Gpc_Cal_EraseEnt(gpc_op op, const AcDbObjectIdArray& ids, AcDbObjectIdArray&
 
 int FIsDKAndBoundaryInter(AcDbObjectId boundary, AcDbObjectId parcel) {
     return stats::Guarded(L"FIsDKAndBoundaryInter", -1, [&] {
-        // A parcel that cannot be read overlaps nothing (the fold would skip it and hand
-        // back the boundary itself).
-        if (!kova::ent::GetCurveParam(parcel, nullptr, nullptr)) return -1;
-        AcDbObjectIdArray pair;
-        pair.append(boundary);
-        pair.append(parcel);
-        AcDbObjectIdArray pieces;
-        if (Gpc_Cal(GPC_INT, pair, pieces) == 0 || pieces.isEmpty()) return -1;
-        std::vector<double> areas;
-        for (AcDbObjectId piece : pieces) {
-            double area = 0;
-            kova::ent::GetArea(piece, area);
-            areas.push_back(area);
-        }
-        kova::ent::Erase(pieces);
-        // Smallest first, so that the sum does not hang on the clipper's order of pieces.
-        std::sort(areas.begin(), areas.end());
-        double sum = std::accumulate(areas.begin(), areas.end(), 0.0);
-        double own = 0;
-        kova::ent::GetArea(parcel, own);
-        if (sum > stats::kAreaEpsilon && std::fabs(sum - own) > stats::kSameAreaTolerance) return 1;
-        return 0;
+        // The answer of intersecting the two as polylines in the drawing and comparing the
+        // pieces' areas with the parcel's, without the polylines.
+        std::vector<double> pieces;
+        return stats::ClipOf(boundary)->classify(parcel, pieces);
     });
 }
 

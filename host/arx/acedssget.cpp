@@ -264,10 +264,16 @@ bool compareNumbers(double have, Op op, double want) {
 }
 
 bool hasXdataOf(const AcDbEntity* entity, const std::wstring& pattern) {
-    for (const db::Value& v : entity->xdataValues()) {
-        if (v.code == 1001 && v.text() && db::wcmatch(*v.text(), pattern)) return true;
-    }
-    return false;
+    bool found = false;
+    entity->withXdata([&](const db::ValueList& values) {
+        for (const db::Value& v : values) {
+            if (v.code == 1001 && v.text() && db::wcmatch(*v.text(), pattern)) {
+                found = true;
+                return;
+            }
+        }
+    });
+    return found;
 }
 
 bool evaluate(const Node& node, const AcDbEntity* entity) {
@@ -283,7 +289,11 @@ bool evaluate(const Node& node, const AcDbEntity* entity) {
         case Node::Type::Not:
             return !evaluate(node.children[0], entity);
         case Node::Type::Xdata:
-            if (node.apps.empty()) return !entity->xdataValues().empty();
+            if (node.apps.empty()) {
+                bool any = false;
+                entity->withXdata([&](const db::ValueList& values) { any = !values.empty(); });
+                return any;
+            }
             // Each named application must be there; one name may offer alternatives.
             return std::all_of(node.apps.begin(), node.apps.end(),
                                [&](const std::wstring& app) { return hasXdataOf(entity, app); });

@@ -1,6 +1,7 @@
 #include "host/arx/dbmain.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cwchar>
 
 #include "host/arx/acutads.h"
@@ -327,14 +328,57 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     return Acad::eOk;
 }
 
-resbuf* AcDbObject::xData(const ACHAR* appName) const {
-    if (appName == nullptr || *appName == 0)
-        return xdataValues().empty() ? nullptr : acutValuesToRb(xdataValues());
-    std::wstring key = arx::foldCase(appName);
-    for (const AppBlock& block : splitByApp(xdataValues())) {
-        if (arx::foldCase(block.app.c_str()) == key) return acutValuesToRb(block.values);
+void AcDbObject::restorePackedXdata(std::string packed, XdataUnpacker unpack) {
+    static std::atomic<std::uint64_t> serials{0};
+    xdata_.clear();
+    packedXdata_ = std::move(packed);
+    unpack_ = unpack;
+    packedSerial_ = ++serials;
+}
+
+void AcDbObject::withXdata(const std::function<void(const db::ValueList&)>& use) const {
+    if (packedXdata_.empty()) {
+        use(xdata_);
+        return;
     }
-    return nullptr;
+    // One scratch list per depth of nesting: a reader may read another object inside.
+    struct Scratch {
+        db::ValueList values;
+        std::uint64_t serial = 0;  // of the packed form values were decoded from
+    };
+    thread_local std::vector<std::unique_ptr<Scratch>> scratch;
+    thread_local std::size_t depth = 0;
+    if (scratch.size() <= depth) scratch.push_back(std::make_unique<Scratch>());
+    struct Nest {
+        std::size_t& depth;
+        ~Nest() { --depth; }
+    } nest{++depth};
+    Scratch& s = *scratch[depth - 1];
+    // Readers of a record often read the same object several times in a row.
+    if (s.serial != packedSerial_) {
+        s.serial = 0;
+        unpack_(packedXdata_, s.values);
+        s.serial = packedSerial_;
+    }
+    use(s.values);
+}
+
+resbuf* AcDbObject::xData(const ACHAR* appName) const {
+    resbuf* found = nullptr;
+    withXdata([&](const db::ValueList& values) {
+        if (appName == nullptr || *appName == 0) {
+            found = values.empty() ? nullptr : acutValuesToRb(values);
+            return;
+        }
+        std::wstring key = arx::foldCase(appName);
+        for (const AppBlock& block : splitByApp(values)) {
+            if (arx::foldCase(block.app.c_str()) == key) {
+                found = acutValuesToRb(block.values);
+                return;
+            }
+        }
+    });
+    return found;
 }
 
 Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {

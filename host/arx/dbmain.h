@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 // Database objects and entities, the drawing database, and opening and closing.
 #include <memory>
 #include <string>
@@ -84,6 +85,16 @@ class AcDbObject : public AcRxObject {
     Acad::ErrorStatus setXData(const resbuf* xdata);
     // The xdata as stored: every application block starting with its 1001 item.
     const db::ValueList& xdataValues() const { return unpackedXdata(); }
+    // The same for a reader that needs it only for a moment: xdata still in the loader's
+    // compact form is decoded into scratch and stays compact, so that reading every
+    // record of a large drawing does not multiply its memory.
+    const db::ValueList& xdataValues(db::ValueList& scratch) const {
+        if (packedXdata_.empty()) return xdata_;
+        unpack_(packedXdata_, scratch);
+        return scratch;
+    }
+    // The same with scratch lists of the host's own, one per depth of nesting.
+    void withXdata(const std::function<void(const db::ValueList&)>& use) const;
     // For loaders that bring xdata in unchecked (the application table may come later).
     void restoreXdataValues(db::ValueList values) {
         xdata_ = std::move(values);
@@ -92,11 +103,7 @@ class AcDbObject : public AcRxObject {
     // For loaders: xdata kept in the loader's compact form until it is first used, when
     // unpack turns it into values. A drawing of many records costs far less memory so.
     using XdataUnpacker = void (*)(const std::string& packed, db::ValueList& values);
-    void restorePackedXdata(std::string packed, XdataUnpacker unpack) {
-        xdata_.clear();
-        packedXdata_ = std::move(packed);
-        unpack_ = unpack;
-    }
+    void restorePackedXdata(std::string packed, XdataUnpacker unpack);
     // The packed form while nothing has used it (a writer may copy it as it is), else null.
     const std::string* packedXdata() const {
         return packedXdata_.empty() ? nullptr : &packedXdata_;
@@ -135,6 +142,9 @@ class AcDbObject : public AcRxObject {
     mutable db::ValueList xdata_;
     mutable std::string packedXdata_;
     mutable XdataUnpacker unpack_ = nullptr;
+    // Tells one packed form from every other in the process, so that a reader's scratch
+    // decoded from it can be used again by the next reader of the same object.
+    std::uint64_t packedSerial_ = 0;
 };
 
 class AcDbEntity : public AcDbObject {

@@ -118,7 +118,7 @@ CommandLine::CommandLine() : input_(std::make_shared<ScriptedInput>()) {}
 
 void CommandLine::print(std::wstring_view text) {
     if (text.empty()) return;
-    transcript_ += text;
+    if (keepTranscript_) transcript_ += text;
     if (echoStream_ != nullptr) {
         *echoStream_ << text;
         echoStream_->flush();

@@ -111,6 +111,9 @@ class CommandLine {
     // Everything shown on the command line: prompts, messages, and the answers typed.
     const std::wstring& transcript() const { return transcript_; }
     void clearTranscript() { transcript_.clear(); }
+    // A program that shows nothing of the command line keeps no transcript either: a long
+    // statistic may say the same thing for every parcel.
+    void keepTranscript(bool keep) { keepTranscript_ = keep; }
     // Appends to the transcript and hands the text to the echo stream and callback.
     void print(std::wstring_view text);
 
@@ -130,6 +133,7 @@ class CommandLine {
 
   private:
     std::wstring transcript_;
+    bool keepTranscript_ = true;
     std::wostream* echoStream_ = nullptr;
     std::function<void(std::wstring_view)> echoCallback_;
     std::shared_ptr<InputSource> input_;

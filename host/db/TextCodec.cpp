@@ -243,9 +243,14 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
 }  // namespace
 
 std::wstring utf8ToWide(std::string_view bytes) {
+    std::wstring out;
+    utf8ToWide(bytes, out);
+    return out;
+}
+
+void utf8ToWide(std::string_view bytes, std::wstring& out) {
     const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
     const std::size_t n = bytes.size();
-    std::wstring out;
     out.resize(n);
     wchar_t* o = out.data();
     std::size_t i = 0;
@@ -261,7 +266,6 @@ std::wstring utf8ToWide(std::string_view bytes) {
         *o++ = static_cast<wchar_t>(cp);
     }
     out.resize(static_cast<std::size_t>(o - out.data()));
-    return out;
 }
 
 std::string wideToUtf8(std::wstring_view text) {

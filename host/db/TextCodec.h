@@ -10,6 +10,8 @@ namespace db {
 // Ill-formed UTF-8 becomes U+FFFD, one per maximal ill-formed subsequence (the Unicode
 // recommendation), so a damaged byte costs one character, not the rest of the line.
 std::wstring utf8ToWide(std::string_view bytes);
+// The same into out, whose storage is reused.
+void utf8ToWide(std::string_view bytes, std::wstring& out);
 
 // Values that are not Unicode scalar values (surrogates, above U+10FFFF) become U+FFFD.
 std::string wideToUtf8(std::wstring_view text);

@@ -215,10 +215,12 @@ db::Value valueOf(int code, std::string_view text) {
 }  // namespace
 
 void unpackXdata(const std::string& packed, db::ValueList& values) {
-    values.clear();
+    // Values already in the list are overwritten rather than destroyed, so that a list
+    // used again and again keeps the storage of its strings.
+    std::size_t used = 0;
     forEachPacked(packed, [&](int code, std::string_view text) {
-        if (!values.empty()) {
-            db::Value& last = values.back();
+        if (used > 0) {
+            db::Value& last = values[used - 1];
             auto* point = std::get_if<db::Point>(&last.data);
             // The y and z of a point come as tags of their own, 10 and 20 codes on.
             if (point && (code == last.code + 10 || code == last.code + 20)) {
@@ -226,8 +228,18 @@ void unpackXdata(const std::string& packed, db::ValueList& values) {
                 return;
             }
         }
-        values.push_back(valueOf(code, text));
+        if (used == values.size()) values.emplace_back();
+        db::Value& v = values[used++];
+        if (db::kindOfGroupCode(code) == db::ValueKind::String) {
+            v.code = code;
+            auto* kept = std::get_if<std::wstring>(&v.data);
+            if (kept == nullptr) kept = &v.data.emplace<std::wstring>();
+            db::utf8ToWide(text, *kept);
+        } else {
+            v = valueOf(code, text);
+        }
     });
+    values.resize(used);
 }
 
 void writePackedXdata(WriteContext& ctx, const std::string& packed) {

@@ -146,22 +146,26 @@ int listFields(AcDbObjectId id, CStringArray& appNames, CStringArray& fields,
 
 int CFSimpleXData::GetAllAppNames(AcDbObjectId id, CStringArray& names) {
     names.RemoveAll();
-    std::vector<Block> blocks;
-    if (!kova::xdata::readBlocks(id, blocks)) return 0;
-    for (const Block& b : blocks)
-        names.Add(CString(b.app));
-    return static_cast<int>(names.GetSize());
+    bool read = kova::xdata::forEachBlock(id, [&](const std::wstring& app, auto) {
+        names.Add(CString(app));
+        return true;
+    });
+    return read ? static_cast<int>(names.GetSize()) : 0;
 }
 
 int CFSimpleXData::GetFrom(AcDbObjectId id, const ACHAR* appName, CString& value) {
-    std::vector<Block> blocks;
-    if (str(appName).empty() || !kova::xdata::readBlocks(id, blocks)) return 0;
-    const Block* b = kova::xdata::findBlock(blocks, appName);
-    if (b == nullptr) return 0;
-    std::wstring head;
-    kova::xdata::headOf(b->values, head);
-    value = CString(head);
-    return 1;
+    if (str(appName).empty()) return 0;
+    std::wstring key = arx::foldCase(appName);
+    bool found = false;
+    kova::xdata::forEachBlock(id, [&](const std::wstring& app, std::span<const db::Value> values) {
+        if (arx::foldCase(app.c_str()) != key) return true;
+        std::wstring head;
+        kova::xdata::headOf(values, head);
+        value = CString(head);
+        found = true;
+        return false;
+    });
+    return found ? 1 : 0;
 }
 
 int CFSimpleXData::SetTo(AcDbObjectId id, const ACHAR* appName, const ACHAR* value) {
@@ -189,18 +193,17 @@ int CFGisXData::GetFrom(AcDbObjectId id, const ACHAR* field, CString& value) {
 
 int CFGisXData::GetFrom(AcDbObjectId id, const ACHAR* field, CString& value, CString& appName) {
     std::wstring key = str(field);
-    std::vector<Block> blocks;
-    if (key.empty() || !kova::xdata::readBlocks(id, blocks)) return 0;
-    for (const Block& b : blocks) {
-        Record record;
-        if (!kova::xdata::parseRecord(b.values, record)) continue;
-        int i = record.find(key);
-        if (i < 0) continue;
-        value = CString(record.fields[static_cast<std::size_t>(i)].second);
-        appName = CString(b.app);
-        return 1;
-    }
-    return 0;
+    if (key.empty()) return 0;
+    bool found = false;
+    kova::xdata::forEachBlock(id, [&](const std::wstring& app, std::span<const db::Value> values) {
+        const std::wstring* text = kova::xdata::findField(values, key);
+        if (text == nullptr) return true;
+        value = CString(*text);
+        appName = CString(app);
+        found = true;
+        return false;
+    });
+    return found ? 1 : 0;
 }
 
 int CFGisXData::SetTo(AcDbObjectId id, const ACHAR* field, const ACHAR* value,
@@ -254,13 +257,15 @@ Acad::ErrorStatus ArxDbgAppXdata::getXdata(const AcDbObject* obj) {
     values_.clear();
     std::wstring key = arx::foldCase(app_.c_str());
     bool inside = false;
-    for (const db::Value& v : obj->xdataValues()) {
-        if (v.code == 1001) {
-            inside = v.text() && arx::foldCase(v.text()->c_str()) == key;
-        } else if (inside) {
-            values_.push_back(v);
+    obj->withXdata([&](const db::ValueList& values) {
+        for (const db::Value& v : values) {
+            if (v.code == 1001) {
+                inside = v.text() && arx::foldCase(v.text()->c_str()) == key;
+            } else if (inside) {
+                values_.push_back(v);
+            }
         }
-    }
+    });
     return Acad::eOk;
 }
 

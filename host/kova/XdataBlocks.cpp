@@ -27,13 +27,40 @@ bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks) {
     if (id.isNull() || id.isErased()) return false;
     AcDbObject* obj = nullptr;
     if (acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) return false;
-    for (const db::Value& v : obj->xdataValues()) {
-        if (v.code == 1001) {
-            blocks.push_back({textOf(v), {}});
-        } else if (!blocks.empty()) {
-            blocks.back().values.push_back(v);
+    obj->withXdata([&](const db::ValueList& all) {
+        for (const db::Value& v : all) {
+            if (v.code == 1001) {
+                blocks.push_back({textOf(v), {}});
+            } else if (!blocks.empty()) {
+                blocks.back().values.push_back(v);
+            }
         }
-    }
+    });
+    obj->close();
+    return true;
+}
+
+bool forEachBlock(
+    AcDbObjectId id,
+    const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use) {
+    if (id.isNull() || id.isErased()) return false;
+    AcDbObject* obj = nullptr;
+    if (acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) return false;
+    obj->withXdata([&](const db::ValueList& all) {
+        static const std::wstring kNoName;
+        std::size_t n = all.size(), i = 0;
+        while (i < n && all[i].code != 1001)
+            ++i;
+        while (i < n) {
+            std::size_t end = i + 1;
+            while (end < n && all[end].code != 1001)
+                ++end;
+            const std::wstring* app = all[i].text();
+            std::span<const db::Value> values(all.data() + i + 1, end - i - 1);
+            if (!use(app ? *app : kNoName, values)) break;
+            i = end;
+        }
+    });
     obj->close();
     return true;
 }
@@ -118,7 +145,21 @@ void Record::set(const std::wstring& key, const std::wstring& value) {
     }
 }
 
-bool parseRecord(const db::ValueList& values, Record& record) {
+const std::wstring* findField(std::span<const db::Value> values, std::wstring_view key) {
+    const std::wstring* found = nullptr;
+    std::size_t i = 0, n = values.size();
+    if (i < n && isString(values[i], 1000)) ++i;
+    if (i >= n || !isBrace(values[i], L"{")) return nullptr;
+    ++i;
+    while (i + 1 < n && isString(values[i], 1000) && isString(values[i + 1], 1000)) {
+        if (found == nullptr && *values[i].text() == key) found = values[i + 1].text();
+        i += 2;
+    }
+    if (i >= n || !isBrace(values[i], L"}") || i + 1 != n) return nullptr;
+    return found;
+}
+
+bool parseRecord(std::span<const db::Value> values, Record& record) {
     Record parsed;
     std::size_t i = 0, n = values.size();
     if (i < n && isString(values[i], 1000)) parsed.head = textOf(values[i++]);
@@ -147,7 +188,7 @@ db::ValueList recordValues(const Record& record) {
     return values;
 }
 
-bool headOf(const db::ValueList& values, std::wstring& head) {
+bool headOf(std::span<const db::Value> values, std::wstring& head) {
     int depth = 0;
     for (const db::Value& v : values) {
         if (isBrace(v, L"{")) {
@@ -162,7 +203,7 @@ bool headOf(const db::ValueList& values, std::wstring& head) {
     return false;
 }
 
-bool isSimpleItem(const db::ValueList& values) {
+bool isSimpleItem(std::span<const db::Value> values) {
     return values.size() == 1 && isString(values.front(), 1000);
 }
 

@@ -3,6 +3,8 @@
 // block. The xdata classes and the data helpers share this so that every writer lays a
 // record out the same way:
 //   1001 app, 1000 head, 1002 "{", (1000 key, 1000 value)..., 1002 "}"
+#include <functional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +22,12 @@ struct Block {
 // Every application block of the entity in stored order. False when the id is not a
 // live object or does not open for read.
 bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks);
+
+// Shows each application block in stored order, in place while the entity is open for
+// read, until use returns false; nothing is copied. False as readBlocks.
+bool forEachBlock(
+    AcDbObjectId id,
+    const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use);
 
 // The block of an application, names compared ignoring ASCII case as the host does.
 const Block* findBlock(const std::vector<Block>& blocks, const std::wstring& app);
@@ -47,14 +55,17 @@ struct Record {
 
 // True when the values are a GIS record (head optional, brace group required, pairs of
 // strings inside, nothing after).
-bool parseRecord(const db::ValueList& values, Record& record);
+bool parseRecord(std::span<const db::Value> values, Record& record);
+// The value of the first field with the key when the values are a GIS record, as
+// parseRecord and Record::find would find it; null otherwise. Valid while values are.
+const std::wstring* findField(std::span<const db::Value> values, std::wstring_view key);
 db::ValueList recordValues(const Record& record);
 
 // The first group-1000 string outside any brace group: the value of a simple item and
 // the head of a GIS record.
-bool headOf(const db::ValueList& values, std::wstring& head);
+bool headOf(std::span<const db::Value> values, std::wstring& head);
 
 // A block that is one string and nothing else: what a simple item looks like.
-bool isSimpleItem(const db::ValueList& values);
+bool isSimpleItem(std::span<const db::Value> values);
 
 }  // namespace kova::xdata

@@ -3,7 +3,9 @@
 // the tabulation, accumulate versus reset, the class forms and the selection form.
 #include "stats/BoundaryStats.h"
 
+#include "host/db/CommandLine.h"
 #include "host/kova/KovaDat.h"
+#include "stats/BoundaryClip.h"
 #include "tests/stats/StatsFixture.h"
 
 namespace {
@@ -308,6 +310,60 @@ TEST_F(BoundaryStatsTest, TabulationAcrossSeveralBoundaries) {
     FTJDKAreaByBoundary(ids({small}), ids({p}), majors, majorAreas, classes, classAreas);
     ASSERT_EQ(classAreas.length(), 1);
     EXPECT_NEAR(classAreas[0], 1.0, 1e-9);
+}
+
+}  // namespace
+
+namespace {
+
+// Within a clip session every statistic answers as it does alone, says the same on the
+// command line, and the answers last only as long as the session.
+TEST_F(BoundaryStatsTest, ASessionAnswersAsEachStatisticAlone) {
+    AcDbObjectId boundary = rect(0, 0, 100, 100);
+    AcDbObjectId across = parcel(-20, 10, 80, 50, L"R21");
+    islands(across, {rect(10, 20, 30, 40), rect(-10, 20, 5, 30)});
+    AcDbObjectId inside = parcel(10, 60, 90, 90, L"B1");
+    AcDbObjectId outside = parcel(200, 0, 250, 50, L"G1");
+    AcDbObjectIdArray all = ids({across, inside, outside});
+    struct Answers {
+        std::vector<int> overlaps;
+        double measured = 0, classMeasured = 0;
+        std::vector<std::pair<CString, double>> tabulated;
+        std::wstring said;
+        bool operator==(const Answers&) const = default;
+    };
+    auto answer = [&] {
+        Answers a;
+        db::commandLine().clearTranscript();
+        for (AcDbObjectId id : all)
+            a.overlaps.push_back(FIsDKAndBoundaryInter(boundary, id));
+        a.measured = measure(boundary, all);
+        FGetDKAreaByBoundaryGPC(boundary, L"R", all, ids({across}), a.classMeasured, 0, 0);
+        CStringArray majors, classes;
+        AcGeDoubleArray majorAreas, classAreas;
+        FTJDKAreaByBoundary(ids({boundary}), all, majors, majorAreas, classes, classAreas);
+        a.tabulated = rows(classes, classAreas);
+        a.said = db::commandLine().transcript();
+        return a;
+    };
+    Answers alone = answer();
+    EXPECT_EQ(alone.overlaps, (std::vector<int>{1, 0, -1}));
+    EXPECT_NE(alone.said.find(L"计算中止"), std::wstring::npos);
+    {
+        stats::ClipSession session;
+        EXPECT_EQ(answer(), alone);
+        EXPECT_EQ(answer(), alone);  // the second time from the kept answers
+    }
+    // Once the session is over, a parcel that moved is clipped where it now lies.
+    AcDbPolyline* line = nullptr;
+    ASSERT_EQ(acdbOpenObject(line, outside, AcDb::kForWrite), Acad::eOk);
+    for (unsigned int i = 0; i < 4; ++i) {
+        AcGePoint2d p;
+        line->getPointAt(i, p);
+        line->setPointAt(i, AcGePoint2d(p.x - 120, p.y));
+    }
+    line->close();
+    EXPECT_EQ(FIsDKAndBoundaryInter(boundary, outside), 1);
 }
 
 }  // namespace

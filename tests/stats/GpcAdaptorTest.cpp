@@ -244,6 +244,7 @@ TEST_F(GpcAdaptorTest, OverlapTestThresholds) {
     for (const Case& k : cases) {
         AcDbObjectId parcel = rect(k.x0, k.y0, k.x1, k.y1);
         EXPECT_EQ(FIsDKAndBoundaryInter(boundary, parcel), k.expected) << k.name;
+        EXPECT_EQ(overlapByPolylines(boundary, parcel), k.expected) << k.name;
         std::vector<double> pieces;
         EXPECT_EQ(clip.classify(parcel, pieces), k.expected) << k.name;
         EXPECT_EQ(pieces.empty(), k.expected != 1) << k.name;
@@ -258,16 +259,17 @@ TEST_F(GpcAdaptorTest, OverlapTestThresholds) {
     };
     for (const auto& points : selfCrossing) {
         AcDbObjectId parcel = poly(points);
-        int expected = FIsDKAndBoundaryInter(boundary, parcel);
+        int expected = overlapByPolylines(boundary, parcel);
         std::vector<double> pieces;
         EXPECT_EQ(clip.classify(parcel, pieces), expected);
+        EXPECT_EQ(FIsDKAndBoundaryInter(boundary, parcel), expected);
     }
     EXPECT_EQ(FIsDKAndBoundaryInter(boundary, poly(selfCrossing[0])), 1);
     // An arc bulging in through the far side, and one just short of it.
     for (double bulge : {-0.7, -0.45}) {
         AcDbObjectId parcel = poly({{10, 10}, {50, 10}, {50, 20}, {10, 20}}, {bulge, 0, 0, 0});
         std::vector<double> pieces;
-        EXPECT_EQ(clip.classify(parcel, pieces), FIsDKAndBoundaryInter(boundary, parcel)) << bulge;
+        EXPECT_EQ(clip.classify(parcel, pieces), overlapByPolylines(boundary, parcel)) << bulge;
     }
 
     AcDbObjectId gone = rect(10, 10, 20, 20);

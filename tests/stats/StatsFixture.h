@@ -2,6 +2,8 @@
 // Parcels, islands and boundaries for the statistics tests, drawn where real plans lie
 // (projected coordinates near x 500 km, y 3,500 km), and the project switches that steer
 // the area rules.
+#include <algorithm>
+#include <cmath>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -16,6 +18,7 @@
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "stats/GpcAdaptor.h"
 #include "tests/support/KplanTest.h"
 
 using Fields = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
@@ -40,6 +43,30 @@ class StatsTest : public KplanTest {
     void TearDown() override {
         db::setProgressSink(nullptr);
         KplanTest::TearDown();
+    }
+
+    // How a parcel lies against a boundary, worked out the long way: the two intersected as
+    // polylines in the drawing, the pieces measured and erased, their sum compared with
+    // the parcel's own area (-1 apart, 0 inside, 1 crossing).
+    static int overlapByPolylines(AcDbObjectId boundary, AcDbObjectId parcel) {
+        if (!kova::ent::GetCurveParam(parcel, nullptr, nullptr)) return -1;
+        AcDbObjectIdArray pair, pieces;
+        pair.append(boundary);
+        pair.append(parcel);
+        if (Gpc_Cal(GPC_INT, pair, pieces) == 0 || pieces.isEmpty()) return -1;
+        std::vector<double> areas;
+        for (AcDbObjectId piece : pieces) {
+            double area = 0;
+            kova::ent::GetArea(piece, area);
+            areas.push_back(area);
+        }
+        kova::ent::Erase(pieces);
+        std::sort(areas.begin(), areas.end());
+        double sum = 0, own = 0;
+        for (double a : areas)
+            sum += a;
+        kova::ent::GetArea(parcel, own);
+        return sum > 1e-5 && std::fabs(sum - own) > 5.0 ? 1 : 0;
     }
 
     // A rectangle relative to (X0, Y0).

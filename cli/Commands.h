@@ -10,5 +10,9 @@ namespace kplan::cli {
 void addInfoCommand(CLI::App& app, int& exitCode);
 // "kplan convert IN OUT": load and save, keeping everything the drawing carried.
 void addConvertCommand(CLI::App& app, int& exitCode);
+// "kplan stats [DRAWING]": the land-use balance table, within the planning scope line.
+void addStatsCommand(CLI::App& app, int& exitCode);
+// "kplan list [DRAWING]": one row per parcel.
+void addListCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

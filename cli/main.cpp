@@ -1,6 +1,10 @@
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #include "cli/Commands.h"
+#include "cli/TerminalProgress.h"
+#include "host/db/CommandLine.h"
 
 int main(int argc, char** argv) {
     CLI::App app{"kplan: planning data in CAD drawings"};
@@ -8,6 +12,11 @@ int main(int argc, char** argv) {
     int exitCode = 0;
     kplan::cli::addInfoCommand(app, exitCode);
     kplan::cli::addConvertCommand(app, exitCode);
+    kplan::cli::addStatsCommand(app, exitCode);
+    kplan::cli::addListCommand(app, exitCode);
+    kplan::cli::TerminalProgress::installOnStderr();
+    // The domain code's command-line messages are for a CAD user watching; here nobody is.
+    db::commandLine().keepTranscript(false);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -16,5 +25,13 @@ int main(int argc, char** argv) {
         std::cerr << "kplan: " << e.what() << "\n";
         return 1;
     }
+#if defined(__SANITIZE_ADDRESS__)
     return exitCode;
+#else
+    // Drawings are left to the system (see LoadedDrawing), and so are the statics.
+    std::cout.flush();
+    std::cerr.flush();
+    std::fflush(nullptr);
+    std::_Exit(exitCode);
+#endif
 }

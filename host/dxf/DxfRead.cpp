@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <new>
 
@@ -5,6 +6,8 @@
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/Progress.h"
+#include "host/db/TextCodec.h"
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
 #include "host/dxf/DxfModel.h"
@@ -64,6 +67,7 @@ class Loader {
 
     bool run();
     const std::string& error() const { return reader_.error(); }
+    TagReader& reader() { return reader_; }
 
   private:
     bool next(TagView& t) {
@@ -637,9 +641,28 @@ bool Loader::run() {
 
 }  // namespace
 
-bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name) {
+namespace {
+
+// Reads with the loader; fileSize non-zero shows the progress bar in megabytes.
+bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
+              std::uint64_t fileSize) {
+    constexpr std::uint64_t kStep = 1 << 20;
+    struct Bar {
+        bool shown = false;
+        ~Bar() {
+            if (shown) db::progressSink().end();
+        }
+    } bar;
     try {
         Loader loader(in, name, database);
+        if (fileSize > 0) {
+            std::wstring message = L"读取 " + db::utf8ToWide(name);
+            db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));
+            bar.shown = true;
+            loader.reader().onChunk([](std::uint64_t bytes) {
+                db::progressSink().step(static_cast<long>((bytes + kStep - 1) / kStep));
+            });
+        }
         if (loader.run()) {
             error.clear();
             return true;
@@ -653,13 +676,21 @@ bool read(std::istream& in, AcDbDatabase& database, std::string& error, const st
     return false;
 }
 
+}  // namespace
+
+bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name) {
+    return readWith(in, database, error, name, 0);
+}
+
 bool load(const std::string& path, AcDbDatabase& database, std::string& error) {
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         error = path + ": cannot open the file";
         return false;
     }
-    return read(in, database, error, path);
+    std::error_code ec;
+    std::uint64_t size = std::filesystem::file_size(path, ec);
+    return readWith(in, database, error, path, ec ? 0 : size);
 }
 
 std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error) {

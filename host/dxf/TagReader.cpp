@@ -80,6 +80,8 @@ bool TagReader::refill() {
     chunk.size = carried + got;
     chunks_.push_back(std::move(chunk));
     pos_ = 0;
+    bytesRead_ += got;
+    if (onChunk_) onChunk_(bytesRead_);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <istream>
 #include <memory>
 #include <string>
@@ -44,6 +45,9 @@ class TagReader {
     // Records an error found by a layer above, at a line of this file.
     void fail(std::size_t line, const std::string& what);
     std::size_t line() const { return line_; }
+    // Called after each chunk read from the stream with the bytes read so far, for a
+    // progress bar.
+    void onChunk(std::function<void(std::uint64_t)> callback) { onChunk_ = std::move(callback); }
 
   private:
     struct Chunk {
@@ -68,6 +72,8 @@ class TagReader {
     bool binary_ = false;
     bool wideCodes_ = true;         // binary: 2-byte group codes (R13 on)
     std::deque<std::string> text_;  // binary: values made text, until release()
+    std::uint64_t bytesRead_ = 0;
+    std::function<void(std::uint64_t)> onChunk_;
 };
 
 // All tags of a text, for tests and small inputs; false with error set on failure.

@@ -1,47 +1,16 @@
 // The kplan program as a user runs it: what it prints, its exit codes, its messages.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
+
+#include "tests/cli/RunKplan.h"
 
 namespace {
 
-struct Outcome {
-    int exitCode = -1;
-    std::string out, err;
-};
-
 std::string folder() {
-    static const std::string made = [] {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "kplan-cli-XXXXXX").string();
-        return std::string(::mkdtemp(pattern.data()) ? pattern : "");
-    }();
-    return made;
-}
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-Outcome kplan(const std::string& args) {
-    std::string out = folder() + "/stdout", err = folder() + "/stderr";
-    std::string command =
-        std::string("'") + KPLAN_EXE + "' " + args + " >'" + out + "' 2>'" + err + "'";
-    Outcome run;
-    int status = std::system(command.c_str());
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = slurp(out);
-    run.err = slurp(err);
-    return run;
+    return testFolder();
 }
 
 const std::string kData = std::string(KPLAN_TEST_DATA) + "/dxf/";

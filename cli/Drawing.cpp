@@ -1,0 +1,140 @@
+#include "cli/Drawing.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "host/dxf/Dxf.h"
+#include "host/kova/KovaDB.h"
+#include "host/kova/KovaDataSet.h"
+#include "host/mfc/CString.h"
+
+namespace kplan::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+CString wide(const std::string& utf8) {
+    return CString::FromUtf8(utf8);
+}
+
+bool exists(const fs::path& path, bool directory) {
+    std::error_code ec;
+    return directory ? fs::is_directory(path, ec) : fs::is_regular_file(path, ec);
+}
+
+// "NAME=Y" into its two halves; the name may itself hold "=", the value may not.
+bool splitParam(const std::string& param, std::string& name, std::string& value) {
+    std::size_t at = param.rfind('=');
+    if (at == std::string::npos || at == 0) return false;
+    name = param.substr(0, at);
+    value = param.substr(at + 1);
+    if (value == "y") value = "Y";
+    if (value == "n") value = "N";
+    return value == "Y" || value == "N";
+}
+
+}  // namespace
+
+void addStandardOptions(CLI::App& command, StandardOptions& options) {
+    command.add_option("--data", options.data,
+                       "Standards directory (default: KPLAN_DATA, else the shipped one)");
+    command.add_option("--standard", options.standard,
+                       "Standard, a folder of the standards directory (default: 通用国标)");
+    command.add_option("--table", options.table,
+                       "Land-use class table of the standard (default: 2011国标城乡用地类别.txt)");
+    command.add_option("--param", options.params,
+                       "Project parameter for this run, NAME=Y or NAME=N (repeatable)");
+}
+
+bool applyStandard(const StandardOptions& options, std::string& error) {
+    CKovaDataSet::FSetGStandardDirPath(wide(options.data));
+    CKovaDataSet::FSetStandardName(wide(options.standard));
+    CKovaDataSet::FSetCurYDLB(wide(options.table));
+    fs::path root(CKovaDataSet::FGetGStandardDirPath().ToUtf8());
+    std::string standard = CKovaDataSet::FGetStandardName().ToUtf8();
+    if (!exists(root, true)) {
+        error = "no standards directory " + root.string();
+        return false;
+    }
+    if (!exists(root / standard, true)) {
+        error = "unknown standard \"" + standard + "\": no folder " + (root / standard).string();
+        return false;
+    }
+    CString table;
+    if (!CKovaDataSet::FGetGStandardOneFilePath(table, L"用地分类\\", CKovaDataSet::FGetCurYDLB(),
+                                                CKovaDataSet::FGetStandardName(), 1)) {
+        error = "unknown class table \"" + CKovaDataSet::FGetCurYDLB().ToUtf8() + "\": not in " +
+                (root / standard / "用地分类").string();
+        return false;
+    }
+    for (const std::string& param : options.params) {
+        std::string name, value;
+        if (!splitParam(param, name, value)) {
+            error = "--param " + param + ": expected NAME=Y or NAME=N";
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string samplePlanPath() {
+    std::vector<fs::path> candidates;
+    std::error_code ec;
+    fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec) {
+        fs::path dir = exe.parent_path();
+        candidates.push_back(dir / ".." / "share" / "kplan" / "samples");
+        candidates.push_back(dir / ".." / "data" / "samples");
+    }
+    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "samples");
+    for (const fs::path& dir : candidates) {
+        fs::path plan = dir / "sample-plan.dxf";
+        if (exists(plan, false)) return plan.lexically_normal().string();
+    }
+    return {};
+}
+
+LoadedDrawing::~LoadedDrawing() {
+#if defined(__SANITIZE_ADDRESS__)
+    if (document_ != nullptr) acDocManager->closeDocument(document_);
+#else
+    // Freeing a large drawing object by object takes longer than the statistics on it;
+    // the program ends right after (main leaves with _Exit), and the system takes the
+    // memory back at once.
+#endif
+}
+
+bool LoadedDrawing::open(const std::string& path, const StandardOptions& options,
+                         std::string& error) {
+    if (exists(path, true)) {
+        error = path + ": is a folder, not a drawing";
+        return false;
+    }
+    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
+    if (!database) return false;
+    document_ = acDocManager->appendDocument(std::move(database), wide(path));
+    acDocManager->setCurDocument(document_);
+    KovaDB::CCustomDatabase project(document_->database());
+    for (const std::string& param : options.params) {
+        std::string name, value;
+        if (!splitParam(param, name, value) ||
+            !project.SetOtherCustomParam(wide(name), wide(value))) {
+            error = "--param " + param + ": expected NAME=Y or NAME=N";
+            return false;
+        }
+    }
+    return true;
+}
+
+AcDbDatabase* LoadedDrawing::database() const {
+    return document_ != nullptr ? document_->database() : nullptr;
+}
+
+std::string handleText(AcDbObjectId id) {
+    ACHAR buffer[17] = {};
+    id.handle().getIntoAsciiBuffer(buffer);
+    return CString(buffer).ToUtf8();
+}
+
+}  // namespace kplan::cli

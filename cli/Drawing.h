@@ -1,0 +1,47 @@
+#pragma once
+// What the commands that read a drawing share: choosing the standards directory, the
+// project parameters of the run, and the drawing itself, loaded as the current document.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/arx/acdocman.h"
+
+namespace kplan::cli {
+
+struct StandardOptions {
+    std::string data, standard, table;
+    std::vector<std::string> params;  // "NAME=Y" or "NAME=N"
+};
+
+// --data, --standard, --table and --param.
+void addStandardOptions(CLI::App& command, StandardOptions& options);
+
+// Applies --data, --standard and --table; false with a message when the standard or its
+// class table does not exist.
+bool applyStandard(const StandardOptions& options, std::string& error);
+
+// The sample plan shipped with kplan; empty when it cannot be found.
+std::string samplePlanPath();
+
+// A drawing loaded from DXF as the current document, closed again with this object.
+class LoadedDrawing {
+  public:
+    LoadedDrawing() = default;
+    LoadedDrawing(const LoadedDrawing&) = delete;
+    LoadedDrawing& operator=(const LoadedDrawing&) = delete;
+    ~LoadedDrawing();
+
+    // Loads path and sets the project parameters of options on it (not saved).
+    bool open(const std::string& path, const StandardOptions& options, std::string& error);
+    AcDbDatabase* database() const;
+
+  private:
+    AcApDocument* document_ = nullptr;
+};
+
+// Handle text of an object ("2A").
+std::string handleText(AcDbObjectId id);
+
+}  // namespace kplan::cli

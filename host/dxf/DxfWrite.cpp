@@ -712,7 +712,13 @@ bool save(const AcDbDatabase& database, const std::string& path, std::string& er
             error = systemError(path + ": the drawing could not be flushed to disk", errno);
             ok = false;
         }
-        if (ok && exists) ::fchmod(fd, info.st_mode & 07777);
+        if (ok) {
+            // A new drawing gets the permissions any program's new file gets, not the
+            // private ones of the temporary file.
+            mode_t mask = ::umask(0);
+            ::umask(mask);
+            ::fchmod(fd, exists ? info.st_mode & 07777 : 0666 & ~mask);
+        }
         if (::close(fd) != 0 && ok) {
             error = systemError(path + ": the drawing could not be written", errno);
             ok = false;

@@ -59,6 +59,26 @@ TEST_F(DxfSaveTest, ReplacesTheFileAndKeepsThePreviousAsBackup) {
     EXPECT_EQ(dxftest::readFile(target_ + ".bak"), first);
 }
 
+// A replaced file keeps its permissions; a new one gets those of any new file, not the
+// private ones of the temporary file it was written as.
+TEST_F(DxfSaveTest, PermissionsAreThoseOfTheFileOrOfANewFile) {
+    std::string error;
+    ASSERT_EQ(::chmod(target_.c_str(), 0640), 0);
+    ASSERT_TRUE(dxf::save(*database(), target_, error)) << error;
+    struct stat info;
+    ASSERT_EQ(::stat(target_.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640u);
+
+    mode_t mask = ::umask(022);
+    std::string fresh = folder_ + "/new.dxf";
+    bool saved = dxf::save(*database(), fresh, error);
+    ::umask(mask);
+    ASSERT_TRUE(saved) << error;
+    ASSERT_EQ(::stat(fresh.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0644u);
+    std::filesystem::remove(fresh);
+}
+
 TEST_F(DxfSaveTest, FailuresLeaveThePreviousFileAsItWas) {
     struct Case {
         const char* what;

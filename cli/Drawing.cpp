@@ -2,11 +2,17 @@
 
 #include <filesystem>
 #include <system_error>
+#include <unordered_set>
 
+#include "host/arx/dbcurve.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
 #include "host/kova/KovaDB.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/mfc/CString.h"
+#include "record/DKBJXDInfo.h"
+#include "record/XDataAccess.h"
 
 namespace kplan::cli {
 
@@ -82,11 +88,8 @@ std::string samplePlanPath() {
     std::vector<fs::path> candidates;
     std::error_code ec;
     fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-    if (!ec) {
-        fs::path dir = exe.parent_path();
-        candidates.push_back(dir / ".." / "share" / "kplan" / "samples");
-        candidates.push_back(dir / ".." / "data" / "samples");
-    }
+    if (!ec) candidates.push_back(exe.parent_path() / ".." / "share" / "kplan" / "samples");
+    // A program run from its build tree takes the sample of the sources it was built from.
     candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "samples");
     for (const fs::path& dir : candidates) {
         fs::path plan = dir / "sample-plan.dxf";
@@ -129,6 +132,20 @@ bool LoadedDrawing::open(const std::string& path, const StandardOptions& options
 
 AcDbDatabase* LoadedDrawing::database() const {
     return document_ != nullptr ? document_->database() : nullptr;
+}
+
+AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjectIdArray& found) {
+    std::unordered_set<AcDbObjectId> known(found.begin(), found.end());
+    AcDbObjectIdArray older;
+    auto* space = arx::peek<AcDbBlockTableRecord>(database.modelSpaceId());
+    if (space == nullptr) return older;
+    for (AcDbObjectId id : space->entityIds()) {
+        if (id.isErased() || known.count(id) || AcDbCurve::cast(arx::peekObject(id)) == nullptr)
+            continue;
+        int generation = CheckDKDataVer(id);
+        if ((generation == 1 || generation == 2) && CDKBJXDInfo(id).IsDkbj()) older.append(id);
+    }
+    return older;
 }
 
 std::string handleText(AcDbObjectId id) {

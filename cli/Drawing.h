@@ -41,6 +41,10 @@ class LoadedDrawing {
     AcApDocument* document_ = nullptr;
 };
 
+// Planned parcels of model space that carry only records of the older generations
+// ("地块属性", "地块边界"): the scans of the current generation do not return them.
+AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjectIdArray& found);
+
 // Handle text of an object ("2A").
 std::string handleText(AcDbObjectId id);
 

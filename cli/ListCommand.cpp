@@ -92,12 +92,13 @@ std::vector<std::string> cells(const Row& r, bool forPeople) {
 }
 
 // The parcels to list by kind, narrowed by --number and --class.
-std::vector<Kind> select(const ListArgs& args) {
+std::vector<Kind> select(const ListArgs& args, AcDbDatabase& database) {
     std::vector<Kind> kinds = {{"planned", {}, false},
                                {"current status", {}, false},
                                {"underground planned", {}, true},
                                {"underground current", {}, true}};
     CDKBJXDInfo::GetDkbj(kinds[0].ids);
+    kinds[0].ids.append(olderGenerationParcels(database, kinds[0].ids));
     CDKBJXDInfo::GetAllXZYD(kinds[1].ids);
     CDKBJXDInfo::GetDXKJ(kinds[2].ids, 1);
     CDKBJXDInfo::GetDXKJ(kinds[3].ids, 0);
@@ -148,7 +149,7 @@ int runList(const ListArgs& args) {
     }
     ClassNames names;
     std::vector<Row> rows;
-    for (const Kind& kind : select(args)) {
+    for (const Kind& kind : select(args, *drawing.database())) {
         for (AcDbObjectId id : kind.ids)
             rows.push_back(readRow(id, kind, names));
     }

@@ -159,7 +159,8 @@ std::vector<ClassArea> named(const CStringArray& codes, const AcGeDoubleArray& a
     return rows;
 }
 
-Balance measure(AcDbObjectId boundary, bool status, const ClassNames& names) {
+Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
+                const ClassNames& names) {
     // Nothing here changes the drawing, so each parcel is clipped once for all the totals.
     stats::ClipSession session;
     Balance b;
@@ -169,6 +170,14 @@ Balance measure(AcDbObjectId boundary, bool status, const ClassNames& names) {
         CDKBJXDInfo::GetAllXZYD(all);
     } else {
         CDKBJXDInfo::GetDkbj(all);
+        // The balance counts the parcels the current-generation scan finds, as the CAD
+        // command does; say so when the drawing has others.
+        int older = olderGenerationParcels(database, all).length();
+        if (older > 0) {
+            std::cerr << "kplan: " << older << (older == 1 ? " parcel carries" : " parcels carry")
+                      << " only records of an older generation (地块属性, 地块边界) and "
+                      << (older == 1 ? "is" : "are") << " not counted; kplan list shows them\n";
+        }
     }
     AcDbObjectIdArray boundaries;
     if (boundary.isNull()) {
@@ -313,7 +322,7 @@ int runStats(StatsArgs args) {
         return 1;
     }
     ClassNames names;
-    Balance balance = measure(boundary, args.status, names);
+    Balance balance = measure(*drawing.database(), boundary, args.status, names);
     switch (format) {
         case Format::Table:
             printTable(args, path, balance, names);

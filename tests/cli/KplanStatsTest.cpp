@@ -279,3 +279,53 @@ TEST(KplanStatsTest, BadInputGetsOneMessage) {
 }
 
 }  // namespace
+
+namespace {
+
+// The bundled sample: what the README shows a planner first.
+TEST(KplanStatsTest, TheSamplePlanBalances) {
+    Outcome run = kplan("stats --format json");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json json = Json::parse(run.out);
+    ASSERT_TRUE(json.ok()) << run.out;
+    EXPECT_NE(json["drawing"].string().find("data/samples/sample-plan.dxf"), std::string::npos);
+    ASSERT_FALSE(json["boundary"].isNull());
+    EXPECT_GT(json["parcels"].number(), 40);
+    EXPECT_GT(json["population"].number(), 0);
+    // Two ways to the same land: the totals clip each crossing parcel on its own, the
+    // tabulation by class clips them all in one pass.
+    double construction = 0, other = 0;
+    for (std::size_t i = 0; i < json["major_classes"].size(); ++i) {
+        const Json& major = json["major_classes"][i];
+        const std::string& code = major["code"].string();
+        (code == "E" ? other : construction) += major["area_ha"].number();
+    }
+    EXPECT_GT(construction, 10);
+    EXPECT_NEAR(json["totals"]["H"].number(), construction, 1e-6);
+    EXPECT_NEAR(json["totals"]["E"].number(), other, 1e-6);
+    // A compound class is named after both of its parts.
+    bool compound = false;
+    for (std::size_t i = 0; i < json["classes"].size(); ++i) {
+        const Json& row = json["classes"][i];
+        if (row["code"].string().find('/') != std::string::npos) {
+            compound = true;
+            EXPECT_NE(row["name"].string().find('/'), std::string::npos) << row["code"].string();
+        }
+    }
+    EXPECT_TRUE(compound);
+
+    Outcome list = kplan("list --format json");
+    ASSERT_EQ(list.exitCode, 0) << list.err;
+    Json rows = Json::parse(list.out);
+    int generations[4] = {0, 0, 0, 0}, current = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        ++generations[static_cast<int>(rows[i]["generation"].number()) & 3];
+        current += rows[i]["kind"].string() == "current status";
+    }
+    EXPECT_GT(generations[3], 40);
+    EXPECT_GT(generations[2], 0);
+    EXPECT_GT(generations[1], 0);
+    EXPECT_GT(current, 0);
+}
+
+}  // namespace

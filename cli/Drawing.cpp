@@ -92,8 +92,13 @@ std::string samplePlanPath() {
     // A program run from its build tree takes the sample of the sources it was built from.
     candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "samples");
     for (const fs::path& dir : candidates) {
-        fs::path plan = dir / "sample-plan.dxf";
-        if (exists(plan, false)) return plan.lexically_normal().string();
+        fs::path plan = (dir / "sample-plan.dxf").lexically_normal();
+        if (!exists(plan, false)) continue;
+        // Shown as the user would type it from where they are.
+        fs::path here = fs::current_path(ec);
+        fs::path relative = ec ? fs::path() : plan.lexically_relative(here);
+        bool inside = !relative.empty() && *relative.begin() != "..";
+        return inside ? relative.string() : plan.string();
     }
     return {};
 }

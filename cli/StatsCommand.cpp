@@ -20,6 +20,7 @@
 #include "host/arx/peek.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/KovaEnt.h"
+#include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "stats/BoundaryClip.h"
@@ -188,11 +189,16 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
         kova::ent::GetArea(boundary, b.boundaryHectares);
         b.boundaryHectares /= 10000;
         boundaries.append(boundary);
+        // The clipping is the long part of the run: each parcel is clipped here once.
+        KovaCad::CStatusBarControl bar;
+        bar.start(L"范围线内地块", all.length());
         for (AcDbObjectId id : all) {
             int lies = FIsDKAndBoundaryInter(boundary, id);
             if (lies != -1) counted.append(id);
             if (lies == 1) crossing.append(id);
+            bar.step();
         }
+        bar.end();
         for (std::size_t i = 0; i < kTotals.size(); ++i)
             kTotals[i].withBoundary(boundary, counted, crossing, b.totals[i]);
     }

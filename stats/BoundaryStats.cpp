@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "draw/DisplayHelpers.h"
 #include "host/arx/acutads.h"
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDat.h"
@@ -237,6 +238,8 @@ int FGetDKAreaByBoundary(AcDbObjectId boundary, const CString& cls, double& area
         AcGePoint3dArray polygon(static_cast<int>(outline.points.size()));
         for (const gpc_vertex& v : outline.points)
             polygon.append({v.x, v.y, 0.0});
+        // A polygon selection in the CAD host sees what the screen shows.
+        PanEnt(boundary);
         resbuf* filter = acutBuildList(RTDXF0, L"POLYLINE,LWPOLYLINE", -3, 1001,
                                        planned ? dk::LIST_GHDK : dk::FAPP_XZDK, 0);
         AcDbObjectIdArray found;

@@ -50,8 +50,9 @@ int FGetDKAreaByBoundary(const AcDbObjectIdArray& boundaries, const AcDbObjectId
                          const AcDbObjectIdArray& cutIds, double& area, int);
 
 // The planned (planned non-zero) or current-status parcels of class cls that the boundary
-// reaches, found by a crossing-polygon selection through its outline, measured. area is
-// reset; 0 when the boundary is invalid, erased or unreadable.
+// reaches, found by a crossing-polygon selection through its outline, measured; the view
+// is brought to the boundary first (PanEnt). area is reset; 0 when the boundary is
+// invalid, erased or unreadable.
 int FGetDKAreaByBoundary(AcDbObjectId boundary, const CString& cls, double& area, int exact,
                          int planned);
 

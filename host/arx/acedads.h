@@ -84,3 +84,11 @@ namespace arx {
 // their initial values; for tests and for the start of a command-line run.
 void resetSystemVariables();
 }  // namespace arx
+
+// Runs a command of the host from (type, value) pairs ended by 0 or RTNONE, as
+// acutBuildList takes them; acedCmd takes the list already built. The portable host
+// knows ZOOM ("W" with two corner points, "E" for the extents of the current space),
+// written with or without the "_" and "." prefixes, and answers RTNORM; an unknown
+// command or option is refused with a message and RTERROR.
+int acedCommand(int type, ...);
+int acedCmd(const resbuf* list);

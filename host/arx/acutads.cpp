@@ -132,6 +132,12 @@ int acutUpdString(const ACHAR* text, ACHAR*& target) {
 resbuf* acutBuildList(int type, ...) {
     va_list args;
     va_start(args, type);
+    resbuf* list = acutBuildListV(type, args);
+    va_end(args);
+    return list;
+}
+
+resbuf* acutBuildListV(int type, va_list args) {
     Chain chain;
     bool ok = true;
     while (type != 0 && type != RTNONE) {
@@ -182,7 +188,6 @@ resbuf* acutBuildList(int type, ...) {
         if (!ok) break;
         type = va_arg(args, int);
     }
-    va_end(args);
     if (!ok) {
         acutRelRb(chain.head);
         return nullptr;

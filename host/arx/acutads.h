@@ -1,6 +1,8 @@
 #pragma once
 // Result-buffer lists and strings of the host's utility interface. Every list made
 // here is counted until acutRelRb releases it.
+#include <cstdarg>
+
 #include "host/arx/adscodes.h"
 #include "host/arx/adsdef.h"
 #include "host/db/Value.h"
@@ -11,6 +13,9 @@ int acutRelRb(resbuf* list);
 // const ACHAR*, reals double, points const double*, shorts and longs int, entity
 // names ads_name; RTLB, RTLE, RTDOTE, RTNIL, RTT and -3 take no value.
 resbuf* acutBuildList(int type, ...);
+// The same from a list of arguments already started, for the host's other functions that
+// take (type, value) pairs; the caller ends args.
+resbuf* acutBuildListV(int type, va_list args);
 resbuf* acutNewRbList(int count);  // count RTNONE buffers chained
 ACHAR* acutNewString(const ACHAR* text);
 void acutDelString(ACHAR*& text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cwchar>
 
 #include "host/arx/acutads.h"
@@ -326,6 +327,14 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     if (!erasing && !stub_->erased) return Acad::eWasNotErased;
     stub_->erased = erasing;
     return Acad::eOk;
+}
+
+void AcDbDatabase::setView(const View& view) {
+    view_ = view;
+    // A view the host could not show is kept at its nearest sensible size.
+    if (!(view_.height > 0) || !std::isfinite(view_.height)) view_.height = 1000;
+    if (!(view_.aspect > 0) || !std::isfinite(view_.aspect)) view_.aspect = 1.5;
+    view_.known = true;
 }
 
 void AcDbObject::restorePackedXdata(std::string packed, XdataUnpacker unpack) {

@@ -278,6 +278,15 @@ class AcDbDatabase : public db::Database {
 
     AcDbHandle handseed() const { return AcDbHandle(db::Database::handseed()); }
 
+    // The view of model space in the active viewport, in drawing units: what ZOOM changes
+    // and what a saved drawing opens at. known is false until a file or a zoom sets it.
+    struct View {
+        double centerX = 0, centerY = 0, height = 1000, aspect = 1.5;
+        bool known = false;
+    };
+    const View& view() const { return view_; }
+    void setView(const View& view);
+
     // For loaders: the well-known objects of a drawing read from a file.
     void setWellKnownIds(AcDbObjectId blockTable, AcDbObjectId layerTable, AcDbObjectId regAppTable,
                          AcDbObjectId linetypeTable, AcDbObjectId namedObjects,
@@ -294,6 +303,7 @@ class AcDbDatabase : public db::Database {
     AcDbObjectId namedObjects_, modelSpace_, paperSpace_, clayer_;
     AcCmColor cecolor_;
     bool tilemode_ = true;
+    View view_;
 };
 
 // Entity names of the command-line interface and object ids.

@@ -39,17 +39,11 @@ struct ObjectRecord {
     }
 };
 
-struct DxfView {
-    double centerX = 0, centerY = 0, height = 1000, aspect = 1.5;
-};
-
 class FileData : public db::ObjectBase {
   public:
     std::string version = "AC1024";
     std::string codePage = "ANSI_936";
     int insUnits = 6;
-    DxfView view;
-    bool hasView = false;
 
     AcDbRawTags header;  // every header variable, UTF-8
     bool hasHeader = false;

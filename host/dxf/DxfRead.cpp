@@ -352,15 +352,16 @@ bool Loader::readTables() {
             parse(tags_, parsed_);
             if (tableName == "VPORT") {
                 bool active = false;
+                AcDbDatabase::View view = database_.view();
                 for (const TagView& b : parsed_.body) {
                     if (b.code == 2) active = equalsNoCase(trimmed(b.value), "*ACTIVE");
                     if (!active) continue;
-                    if (b.code == 12) parseReal(b.value, file_->view.centerX);
-                    if (b.code == 22) parseReal(b.value, file_->view.centerY);
-                    if (b.code == 40) parseReal(b.value, file_->view.height);
-                    if (b.code == 41) parseReal(b.value, file_->view.aspect);
+                    if (b.code == 12) parseReal(b.value, view.centerX);
+                    if (b.code == 22) parseReal(b.value, view.centerY);
+                    if (b.code == 40) parseReal(b.value, view.height);
+                    if (b.code == 41) parseReal(b.value, view.aspect);
                 }
-                if (active) file_->hasView = true;
+                if (active) database_.setView(view);
             }
             AcDbObjectId id = place(parsed_, false, tableId, codec);
             if (typed) {

@@ -242,12 +242,12 @@ void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
     } else if (auto* kept = AcDbUnknownObject::cast(&obj)) {
         writeHead(obj, tableName ? "TABLE" : kept->dxfName(), record, tableName);
         bool active = false;
-        bool view = kept->dxfName() == "VPORT" && file_ != nullptr;
+        bool view = kept->dxfName() == "VPORT";
         for (const AcDbRawTag& t : kept->tags()) {
             if (view && t.code == 2)
                 active = upper(std::wstring(t.value.begin(), t.value.end())) == L"*ACTIVE";
             if (view && active && (t.code == 12 || t.code == 22 || t.code == 40 || t.code == 41)) {
-                const DxfView& v = file_->view;
+                const AcDbDatabase::View& v = database_.view();
                 ctx_.out.real(t.code, t.code == 12   ? v.centerX
                                       : t.code == 22 ? v.centerY
                                       : t.code == 40 ? v.height
@@ -280,7 +280,7 @@ void Saver::synthTable(const std::string& name) {
         out.integer(71, 0);
     }
     if (name == "VPORT") {
-        DxfView v = file_ ? file_->view : DxfView();
+        const AcDbDatabase::View& v = database_.view();
         out.text(0, "VPORT");
         out.handle(5, fresh());
         out.handle(330, head);
@@ -768,11 +768,12 @@ DrawingInfo drawingInfo(const AcDbDatabase& database) {
     info.version = file->version;
     info.codePage = file->codePage;
     info.insUnits = file->insUnits;
-    info.viewCenterX = file->view.centerX;
-    info.viewCenterY = file->view.centerY;
-    info.viewHeight = file->view.height;
-    info.viewAspect = file->view.aspect;
-    info.hasView = file->hasView;
+    const AcDbDatabase::View& view = database.view();
+    info.viewCenterX = view.centerX;
+    info.viewCenterY = view.centerY;
+    info.viewHeight = view.height;
+    info.viewAspect = view.aspect;
+    info.hasView = view.known;
     return info;
 }
 
@@ -788,9 +789,7 @@ FileData& fileDataOf(AcDbDatabase& database) {
 }  // namespace
 
 void setView(AcDbDatabase& database, double centerX, double centerY, double height, double aspect) {
-    FileData& file = fileDataOf(database);
-    file.view = {centerX, centerY, height, aspect};
-    file.hasView = true;
+    database.setView({centerX, centerY, height, aspect, true});
 }
 
 void setInsUnits(AcDbDatabase& database, int units) {

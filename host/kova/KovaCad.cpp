@@ -175,4 +175,13 @@ int GetLastEnt(ads_name entity, AcDbDatabase* database) {
     return 1;
 }
 
+int ScrlbrtPt(AcGePoint3d& lowerLeft, AcGePoint3d& upperRight) {
+    AcDbDatabase* database = orWorking(nullptr);
+    AcDbDatabase::View view = database ? database->view() : AcDbDatabase::View();
+    double halfWidth = view.height * view.aspect / 2, halfHeight = view.height / 2;
+    lowerLeft = AcGePoint3d(view.centerX - halfWidth, view.centerY - halfHeight, 0);
+    upperRight = AcGePoint3d(view.centerX + halfWidth, view.centerY + halfHeight, 0);
+    return 1;
+}
+
 }  // namespace kova::cad

@@ -3,6 +3,7 @@
 // variables and the last entity of the drawing. A null database means the working one.
 #include "host/arx/adsdef.h"
 #include "host/arx/dbmain.h"
+#include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 
@@ -31,5 +32,9 @@ int SetSysVar(const ACHAR* name, const ACHAR* value);
 // The entity most recently added to any layout of the drawing and not erased; 0 when the
 // drawing has none.
 int GetLastEnt(ads_name entity, AcDbDatabase* database = nullptr);
+
+// The lower-left and upper-right corners of the current view of the working drawing.
+// Returns 1.
+int ScrlbrtPt(AcGePoint3d& lowerLeft, AcGePoint3d& upperRight);
 
 }  // namespace kova::cad

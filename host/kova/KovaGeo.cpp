@@ -155,4 +155,9 @@ int GetMidPt(const AcGePoint3d& p1, const AcGePoint3d& p2, double bulge, AcGePoi
     return 1;
 }
 
+int Wcs2ucs(const AcGePoint3d& point, AcGePoint3d& result) {
+    result = point;
+    return 1;
+}
+
 }  // namespace kova::geo

@@ -23,4 +23,8 @@ int GetMidPt(const AcGePoint3d& p1, const AcGePoint3d& p2, AcGePoint3d& mid);
 // mid is null.
 int GetMidPt(const AcGePoint3d& p1, const AcGePoint3d& p2, double bulge, AcGePoint3d* mid);
 
+// A point of the world coordinate system in the current user coordinate system. The
+// portable host keeps no user coordinate system of its own, so they are the same; 1.
+int Wcs2ucs(const AcGePoint3d& point, AcGePoint3d& result);
+
 }  // namespace kova::geo

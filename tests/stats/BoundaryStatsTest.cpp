@@ -245,11 +245,15 @@ TEST_F(BoundaryStatsTest, SelectionFormMeasuresTheParcelsTheBoundaryReaches) {
         {L"R2", 0, 1, 0.06}, {L"R21", 1, 1, 0.04}, {L"R", 0, 0, 0.01},
         {L"G", 0, 1, 0.01},  {L"E", 0, 1, 0},
     };
+    // The view starts far away; the boundary is brought into it.
+    database()->setView({0, 0, 10, 1.5, true});
     for (const Case& k : cases) {
         double area = 7;
         EXPECT_EQ(FGetDKAreaByBoundary(boundary, k.cls, area, k.exact, k.planned), 1) << k.cls;
         EXPECT_NEAR(area, k.hectares, 1e-9) << k.cls;
     }
+    EXPECT_DOUBLE_EQ(database()->view().centerX, X0 + 50);
+    EXPECT_DOUBLE_EQ(database()->view().centerY, Y0 + 50);
     double area = 7;
     EXPECT_EQ(FGetDKAreaByBoundary(AcDbObjectId(), L"R", area, 0, 1), 0);
     EXPECT_EQ(area, 0);

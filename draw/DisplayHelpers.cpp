@@ -1,0 +1,63 @@
+#include "draw/DisplayHelpers.h"
+
+#include <exception>
+
+#include "host/arx/acedads.h"
+#include "host/kova/KovaCad.h"
+#include "host/kova/KovaEnt.h"
+#include "host/kova/KovaError.h"
+#include "host/kova/KovaGeo.h"
+
+namespace {
+
+// The entity's extents in user coordinates; false when it has none.
+bool extentsOf(AcDbObjectId id, AcGePoint3d& lowerLeft, AcGePoint3d& upperRight) {
+    if (id.isNull() || id.isErased()) return false;
+    AcGePoint3d a, b;
+    if (!kova::ent::GetEntRect(id, a, b)) return false;
+    kova::geo::Wcs2ucs(a, lowerLeft);
+    kova::geo::Wcs2ucs(b, upperRight);
+    return true;
+}
+
+// The two forms differ in the command's spelling and the margins; both deliberately.
+int zoomAround(const AcGePoint3d& lowerLeft, const AcGePoint3d& upperRight, const ACHAR* command,
+               double marginX, double marginY) {
+    ads_point a = {lowerLeft.x - marginX, lowerLeft.y - marginY, 0};
+    ads_point b = {upperRight.x + marginX, upperRight.y + marginY, 0};
+    return acedCommand(RTSTR, command, RTSTR, L"W", RTPOINT, a, RTPOINT, b, 0);
+}
+
+template <typename Body>
+int guarded(const ACHAR* tag, Body body) {
+    try {
+        return body();
+    } catch (Acad::ErrorStatus status) {
+        kova::PrintErrorMsg(status, tag);
+    } catch (const std::exception&) {
+    }
+    return 0;
+}
+
+}  // namespace
+
+int PanEnt(AcDbObjectId id) {
+    return guarded(L"QMPlot::PanEnt", [&] {
+        AcGePoint3d lowerLeft, upperRight;
+        if (!extentsOf(id, lowerLeft, upperRight)) return 0;
+        AcGePoint3d viewLowerLeft, viewUpperRight;
+        kova::cad::ScrlbrtPt(viewLowerLeft, viewUpperRight);
+        bool inside = lowerLeft.x > viewLowerLeft.x && lowerLeft.y > viewLowerLeft.y &&
+                      upperRight.x < viewUpperRight.x && upperRight.y < viewUpperRight.y;
+        if (inside) return 0;
+        return zoomAround(lowerLeft, upperRight, L"._ZOOM", 100, 60);
+    });
+}
+
+int ZoomEnt(AcDbObjectId id) {
+    return guarded(L"QMPlot::ZoomEnt", [&] {
+        AcGePoint3d lowerLeft, upperRight;
+        if (!extentsOf(id, lowerLeft, upperRight)) return 0;
+        return zoomAround(lowerLeft, upperRight, L"ZOOM", 120, 80);
+    });
+}

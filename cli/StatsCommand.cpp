@@ -189,16 +189,27 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
         kova::ent::GetArea(boundary, b.boundaryHectares);
         b.boundaryHectares /= 10000;
         boundaries.append(boundary);
-        // The clipping is the long part of the run: each parcel is clipped here once.
+        // The clipping is the long part of the run: each parcel is clipped once, on every
+        // core, in chunks so that the bar moves; the overlap tests and the totals below
+        // find the answers the session keeps.
         KovaCad::CStatusBarControl bar;
         bar.start(L"范围线内地块", all.length());
+        std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
+        std::vector<stats::BoundaryClip::Answer> answers;
+        const int chunk = std::max(4096, all.length() / 20);
+        for (int from = 0; from < all.length(); from += chunk) {
+            AcDbObjectIdArray part;
+            for (int i = from; i < std::min(all.length(), from + chunk); ++i)
+                part.append(all[i]);
+            clip->classifyMany(part, answers);
+            bar.step(part.length());
+        }
+        bar.end();
         for (AcDbObjectId id : all) {
             int lies = FIsDKAndBoundaryInter(boundary, id);
             if (lies != -1) counted.append(id);
             if (lies == 1) crossing.append(id);
-            bar.step();
         }
-        bar.end();
         for (std::size_t i = 0; i < kTotals.size(); ++i)
             kTotals[i].withBoundary(boundary, counted, crossing, b.totals[i]);
     }

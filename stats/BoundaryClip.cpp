@@ -1,9 +1,11 @@
 #include "stats/BoundaryClip.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <thread>
 
 #include "host/arx/acutads.h"
 #include "host/kova/KovaEnt.h"
@@ -549,7 +551,7 @@ int BoundaryClip::classify(AcDbObjectId curve, std::vector<double>& pieces) {
     }
     int overlap = classifyNow(curve, pieces);
     // An unreadable curve is not kept: reading it again costs little and says the same.
-    if (lastRead_) answers_.emplace(curve, Answer{overlap, pieces});
+    if (lastRead_) answers_.emplace(curve, Answer{overlap, pieces, true});
     return overlap;
 }
 
@@ -557,79 +559,175 @@ int BoundaryClip::classifyNow(AcDbObjectId curve, std::vector<double>& pieces) {
     pieces.clear();
     lastRead_ = false;
     if (!readable_) return -1;
-    if (!kova::ent::GetCurveParam(curve, raw_, bulges_)) return -1;
+    Workspace& ws = main_;
+    if (!kova::ent::GetCurveParam(curve, ws.raw, ws.bulges)) return -1;
     lastRead_ = true;
-    double ownArea = 0;
-    if (!edges_.empty() && raw_.length() > 0) {
-        // Extents of the curve with its arcs, which hold every chord of them: a curve that
-        // no edge of the boundary comes near needs no approximating to be placed.
-        double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
-        curveExtents(raw_, bulges_, x0, y0, x1, y1);
-        double m = margin_ + 1e-8 * std::max(x1 - x0, y1 - y0);
-        x0 -= m;
-        y0 -= m;
-        x1 += m;
-        y1 += m;
-        bool apart = x1 < boundary_.minX || x0 > boundary_.maxX || y1 < boundary_.minY ||
-                     y0 > boundary_.maxY;
-        if (apart || !edgeNear(x0, y0, x1, y1)) {
-            // Wholly on one side of the boundary.
-            if (apart || !inside({raw_[0].x, raw_[0].y})) {
-                PrintFoldStopped();
-                return -1;
-            }
-            double loss = 0;
-            if (outlineClearlySimple(raw_, bulges_, loss)) {
-                // Its chords keep within loss of the curve's own area, the clip's within
-                // rounding of theirs.
-                double own = kova::geo::GetPolyArea(raw_, bulges_);
-                if (own - loss > 1.0 && loss < kSameAreaTolerance - 0.5) return 0;
-            }
-            MakeOutline(raw_, bulges_, outline_, chords_);
-            if (simpleOutline()) {
-                // The curve's own area from the outline already read, as the host computes
-                // it for a polyline (and to within rounding for a circle): the margins
-                // below leave room for that.
-                double own = kova::geo::GetPolyArea(raw_, bulges_);
-                double area = std::fabs(twiceSignedArea(outline_.points)) / 2;
-                if (area > 1.0 && std::fabs(area - own) < kSameAreaTolerance - 0.5) return 0;
-            }
+    bool far = false;
+    int overlap = place(ws, far);
+    if (overlap == kClip) {
+        double ownArea = 0;
+        if (!far) kova::ent::GetArea(curve, ownArea);
+        overlap = finish(ws, far, ownArea, pieces);
+        if (overlap == kNeedArea) {
             kova::ent::GetArea(curve, ownArea);
-            return clip(outline_, ownArea, pieces);
+            overlap = clip(ws, ownArea, pieces);
         }
     }
-    MakeOutline(raw_, bulges_, outline_, chords_);
-    kova::ent::GetArea(curve, ownArea);
-    return clip(outline_, ownArea, pieces);
+    if (overlap == -1) PrintFoldStopped();
+    return overlap;
 }
 
-bool BoundaryClip::simpleOutline() {
+int BoundaryClip::place(Workspace& ws, bool& far) const {
+    far = false;
+    if (edges_.empty() || ws.raw.length() == 0) return kClip;
+    // Extents of the curve with its arcs, which hold every chord of them: a curve that no
+    // edge of the boundary comes near needs no approximating to be placed.
+    double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
+    curveExtents(ws.raw, ws.bulges, x0, y0, x1, y1);
+    double m = margin_ + 1e-8 * std::max(x1 - x0, y1 - y0);
+    x0 -= m;
+    y0 -= m;
+    x1 += m;
+    y1 += m;
+    bool apart =
+        x1 < boundary_.minX || x0 > boundary_.maxX || y1 < boundary_.minY || y0 > boundary_.maxY;
+    if (!apart && edgeNear(x0, y0, x1, y1)) return kClip;
+    // Wholly on one side of the boundary.
+    if (apart || !inside({ws.raw[0].x, ws.raw[0].y})) return -1;
+    double loss = 0;
+    if (outlineClearlySimple(ws.raw, ws.bulges, loss)) {
+        // Its chords keep within loss of the curve's own area, the clip's within rounding
+        // of theirs.
+        double own = kova::geo::GetPolyArea(ws.raw, ws.bulges);
+        if (own - loss > 1.0 && loss < kSameAreaTolerance - 0.5) return 0;
+    }
+    far = true;
+    return kClip;
+}
+
+int BoundaryClip::finish(Workspace& ws, bool far, double ownArea,
+                         std::vector<double>& pieces) const {
+    MakeOutline(ws.raw, ws.bulges, ws.outline, ws.chords);
+    if (!far) return clip(ws, ownArea, pieces);
+    if (simpleOutline(ws)) {
+        // The curve's own area from the outline already read, as the host computes it for
+        // a polyline (and to within rounding for a circle): the margins below leave room
+        // for that.
+        double own = kova::geo::GetPolyArea(ws.raw, ws.bulges);
+        double area = std::fabs(twiceSignedArea(ws.outline.points)) / 2;
+        if (area > 1.0 && std::fabs(area - own) < kSameAreaTolerance - 0.5) return 0;
+    }
+    return kNeedArea;
+}
+
+void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Answer>& answers) {
+    const std::size_t n = static_cast<std::size_t>(curves.length());
+    answers.assign(n, Answer());
+    struct Job {
+        std::size_t index;
+        AcGePoint3dArray raw;
+        AcGeDoubleArray bulges;
+        bool far;
+        double ownArea;
+        int overlap = kClip;
+    };
+    std::vector<Job> jobs;
+    // Reading the drawing stays on this thread, as the host wants it.
+    for (std::size_t i = 0; i < n; ++i) {
+        AcDbObjectId curve = curves[static_cast<int>(i)];
+        Answer& answer = answers[i];
+        if (keepAnswers_) {
+            auto kept = answers_.find(curve);
+            if (kept != answers_.end()) {
+                answer = kept->second;
+                continue;
+            }
+        }
+        if (!readable_ || !kova::ent::GetCurveParam(curve, main_.raw, main_.bulges)) continue;
+        answer.read = true;
+        bool far = false;
+        answer.overlap = place(main_, far);
+        if (answer.overlap != kClip) continue;
+        double ownArea = 0;
+        if (!far) kova::ent::GetArea(curve, ownArea);
+        jobs.push_back({i, main_.raw, main_.bulges, far, ownArea});
+    }
+    // The clipping, in as many threads as make sense; each job is worked as classify works
+    // it, in a workspace of the thread's own.
+    auto work = [&](Workspace& ws, std::atomic<std::size_t>& next) {
+        for (std::size_t k = next++; k < jobs.size(); k = next++) {
+            Job& job = jobs[k];
+            ws.raw = job.raw;
+            ws.bulges = job.bulges;
+            try {
+                job.overlap = finish(ws, job.far, job.ownArea, answers[job.index].pieces);
+            } catch (...) {
+                job.overlap = kClip;  // worked again below, on this thread
+            }
+        }
+    };
+    std::atomic<std::size_t> next{0};
+    // Asking the system costs a file read each time.
+    static const unsigned cores =
+        std::min<unsigned>(std::max(1u, std::thread::hardware_concurrency()), 8);
+    // A thread is worth starting for some dozens of clips.
+    unsigned threads = static_cast<unsigned>(std::min<std::size_t>(cores, jobs.size() / 64 + 1));
+    std::vector<Workspace> spaces(threads > 1 ? threads - 1 : 0);
+    std::vector<std::thread> workers;
+    for (Workspace& ws : spaces)
+        workers.emplace_back(work, std::ref(ws), std::ref(next));
+    work(main_, next);
+    for (std::thread& t : workers)
+        t.join();
+    for (const Workspace& ws : spaces) {
+        clips_ += ws.clips;
+        fullClips_ += ws.fullClips;
+    }
+    for (Job& job : jobs) {
+        Answer& answer = answers[job.index];
+        if (job.overlap == kClip || job.overlap == kNeedArea) {
+            // Finished here as classify would: the curve's own area read when it is needed.
+            main_.raw = job.raw;
+            main_.bulges = job.bulges;
+            job.overlap = finish(main_, job.far, job.ownArea, answer.pieces);
+            if (job.overlap == kNeedArea) {
+                kova::ent::GetArea(curves[static_cast<int>(job.index)], job.ownArea);
+                job.overlap = clip(main_, job.ownArea, answer.pieces);
+            }
+        }
+        answer.overlap = job.overlap;
+    }
+    if (keepAnswers_) {
+        for (std::size_t i = 0; i < n; ++i) {
+            if (answers[i].read) answers_.emplace(curves[static_cast<int>(i)], answers[i]);
+        }
+    }
+}
+
+bool BoundaryClip::simpleOutline(Workspace& ws) const {
     // Where each vertex of the curve sits among the chords (an arc's chords follow it).
-    const std::vector<gpc_vertex>& v = outline_.points;
-    starts_.clear();
+    const std::vector<gpc_vertex>& v = ws.outline.points;
+    ws.starts.clear();
     std::size_t at = 0;
-    for (const AcGePoint3d& p : raw_) {
+    for (const AcGePoint3d& p : ws.raw) {
         while (at < v.size() && !(v[at].x == p.x && v[at].y == p.y))
             ++at;
         if (at == v.size()) return isSimple(v);
-        starts_.push_back(at++);
+        ws.starts.push_back(at++);
     }
-    return isSimple(v, starts_);
+    return isSimple(v, ws.starts);
 }
 
-int BoundaryClip::clip(const Outline& outline, double ownArea, std::vector<double>& pieces) {
-    ++clips_;
-    std::optional<std::vector<double>> near = intersectNear(outline);
+int BoundaryClip::clip(Workspace& ws, double ownArea, std::vector<double>& pieces) const {
+    ++ws.clips;
+    std::optional<std::vector<double>> near = intersectNear(ws, ws.outline);
     if (near) {
         pieces = std::move(*near);
     } else {
-        ++fullClips_;
-        pieces = intersect(outline);
+        ++ws.fullClips;
+        pieces = intersect(ws.outline);
     }
-    if (pieces.empty()) {
-        PrintFoldStopped();
-        return -1;
-    }
+    if (pieces.empty()) return -1;
     // Smallest first: a sum that does not depend on the order the clipper hands the pieces
     // out in, which differs between the whole boundary and its near edges.
     std::sort(pieces.begin(), pieces.end());
@@ -639,11 +737,12 @@ int BoundaryClip::clip(const Outline& outline, double ownArea, std::vector<doubl
     return 0;
 }
 
-std::vector<double> BoundaryClip::intersect(const Outline& outline) {
+std::vector<double> BoundaryClip::intersect(const Outline& outline) const {
     gpc_polygon other{0, nullptr, nullptr};
     AddOutline(outline, &other);
     gpc_polygon result{0, nullptr, nullptr};
-    gpc_polygon_clip(GPC_INT, &polygon_, &other, &result);
+    // The clipper only reads its subject, here shared by every thread.
+    gpc_polygon_clip(GPC_INT, const_cast<gpc_polygon*>(&polygon_), &other, &result);
     gpc_free_polygon(&other);
     std::vector<double> areas;
     for (int c = 0; c < result.num_contours; ++c)
@@ -657,7 +756,8 @@ std::vector<double> BoundaryClip::intersect(const Outline& outline) {
 // a detour that stays outside the box and winds round it as the run did. Clipper then
 // meets the same edges wherever the curve is and builds the same contours, while the
 // scan no longer carries every long edge of the boundary.
-std::optional<std::vector<double>> BoundaryClip::intersectNear(const Outline& outline) {
+std::optional<std::vector<double>> BoundaryClip::intersectNear(Workspace& ws,
+                                                               const Outline& outline) const {
     using ClipperLib::cInt;
     using ClipperLib::IntPoint;
     using ClipperLib::Path;
@@ -672,11 +772,11 @@ std::optional<std::vector<double>> BoundaryClip::intersectNear(const Outline& ou
     f.ox = std::floor(minX);
     f.oy = std::floor(minY);
     f.scale = std::min(kMaxScale, kFastRange / std::max({maxX - f.ox, maxY - f.oy, 1.0}));
-    if (!(f == frame_) || ring_.empty()) {
-        frame_ = f;
-        ring_ = toGrid(boundary_.points, f.ox, f.oy, f.scale);
+    if (!(f == ws.frame) || ws.ring.empty()) {
+        ws.frame = f;
+        ws.ring = toGrid(boundary_.points, f.ox, f.oy, f.scale);
     }
-    const Path& b = ring_;
+    const Path& b = ws.ring;
     Path curve = toGrid(outline.points, f.ox, f.oy, f.scale);
 
     // The box: the curve's extents on the grid and a few cells more.

@@ -50,15 +50,27 @@ class BoundaryClip {
     // otherwise it is empty.
     int classify(AcDbObjectId curve, std::vector<double>& pieces);
 
+    // The answer for one curve of many: classify's result and pieces, and whether the
+    // curve could be read (classify tells the user of a curve read and found outside).
+    struct Answer {
+        int overlap = -1;
+        std::vector<double> pieces;
+        bool read = false;
+    };
+    // The answers of classify for every curve, in order, telling the user nothing: the
+    // curves are read one after the other and the clipping is shared among the
+    // processor's cores. Each answer is the one classify gives.
+    void classifyMany(const AcDbObjectIdArray& curves, std::vector<Answer>& answers);
+
     // Keeps each curve's answer, so that a curve classified again costs a lookup; only
     // while nothing in the drawing changes (see ClipSession).
     void keepAnswers() { keepAnswers_ = true; }
 
     // How many classifications needed a clip (for measuring the shortcut).
-    long clips() const { return clips_; }
+    long clips() const { return clips_ + main_.clips; }
     // How many of those clipped against the whole boundary rather than its edges near the
     // curve.
-    long fullClips() const { return fullClips_; }
+    long fullClips() const { return fullClips_ + main_.fullClips; }
 
   private:
     // Where gpc_polygon_clip puts two polygons on Clipper's integer grid.
@@ -71,19 +83,41 @@ class BoundaryClip {
         double minX, minY, maxX, maxY;
     };
 
+    // What the work on one curve needs, kept from curve to curve; one per thread.
+    struct Workspace {
+        AcGePoint3dArray raw;
+        AcGeDoubleArray bulges;
+        AcGePoint3dArray chords;
+        Outline outline;
+        std::vector<std::size_t> starts;
+        Frame frame;
+        ClipperLib::Path ring;  // the boundary on the grid of frame
+        long clips = 0, fullClips = 0;
+    };
+    // Answers of place and finish besides -1, 0 and 1.
+    static constexpr int kClip = 2;      // the curve must be clipped
+    static constexpr int kNeedArea = 3;  // the clip needs the curve's own area first
+
     void buildIndex();
     bool edgeNear(double minX, double minY, double maxX, double maxY) const;
     bool inside(const gpc_vertex& point) const;
-    // Whether outline_, made of raw_, has no crossing or touching of its own.
-    bool simpleOutline();
     int classifyNow(AcDbObjectId curve, std::vector<double>& pieces);
-    int clip(const Outline& outline, double ownArea, std::vector<double>& pieces);
+    // The answer from the curve read into ws.raw and ws.bulges where its extents give it,
+    // else kClip, with far set when no edge of the boundary comes near the curve.
+    int place(Workspace& ws, bool& far) const;
+    // The rest, touching nothing of the drawing: ownArea is read already unless far, when
+    // kNeedArea asks for it.
+    int finish(Workspace& ws, bool far, double ownArea, std::vector<double>& pieces) const;
+    // Whether ws.outline, made of ws.raw, has no crossing or touching of its own.
+    bool simpleOutline(Workspace& ws) const;
+    // The clip of ws.outline: -1 when nothing is left, else 0 or 1 as classify says.
+    int clip(Workspace& ws, double ownArea, std::vector<double>& pieces) const;
     // The areas of the contours gpc_polygon_clip(GPC_INT, boundary, curve) gives, in its
     // order.
-    std::vector<double> intersect(const Outline& outline);
+    std::vector<double> intersect(const Outline& outline) const;
     // The same from Clipper, with the boundary cut down to its edges near the curve; none
     // when that cannot be done safely.
-    std::optional<std::vector<double>> intersectNear(const Outline& outline);
+    std::optional<std::vector<double>> intersectNear(Workspace& ws, const Outline& outline) const;
 
     bool readable_ = false;
     Outline boundary_;
@@ -96,19 +130,8 @@ class BoundaryClip {
     std::vector<std::vector<int>> cells_;
     std::vector<std::vector<int>> bands_;
     double margin_ = 0;
-    // Buffers reused from curve to curve.
-    AcGePoint3dArray raw_;
-    AcGeDoubleArray bulges_;
-    AcGePoint3dArray chords_;
-    Outline outline_;
-    std::vector<std::size_t> starts_;
-    Frame frame_;
-    ClipperLib::Path ring_;  // the boundary on the grid of frame_
+    Workspace main_;
     long clips_ = 0, fullClips_ = 0;
-    struct Answer {
-        int overlap;
-        std::vector<double> pieces;
-    };
     bool keepAnswers_ = false;
     bool lastRead_ = false;  // the last curve classified now could be read
     std::unordered_map<AcDbObjectId, Answer> answers_;

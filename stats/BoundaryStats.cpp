@@ -64,16 +64,22 @@ AcDbObjectIdArray islandsOf(AcDbObjectId parcel) {
 // The clipped measure: the land of the parcels inside the boundary, in square metres.
 double clippedMetres(stats::BoundaryClip& clip, const AcDbObjectIdArray& ids, bool calculated) {
     double metres = 0;
-    std::vector<double> pieces, islandPieces;
-    for (AcDbObjectId id : ids) {
-        int overlap = clip.classify(id, pieces);
-        if (overlap < 0) continue;
-        if (overlap == 0) {
+    std::vector<stats::BoundaryClip::Answer> answers;
+    clip.classifyMany(ids, answers);
+    std::vector<double> islandPieces;
+    for (int i = 0; i < ids.length(); ++i) {
+        AcDbObjectId id = ids[i];
+        const stats::BoundaryClip::Answer& answer = answers[static_cast<std::size_t>(i)];
+        if (answer.overlap < 0) {
+            if (answer.read) stats::PrintFoldStopped();
+            continue;
+        }
+        if (answer.overlap == 0) {
             // Wholly inside: the record area, which already accounts for the islands.
             metres += recordArea(id, calculated) * 10000;
             continue;
         }
-        metres += piecesArea(pieces, id, calculated);
+        metres += piecesArea(answer.pieces, id, calculated);
         for (AcDbObjectId island : islandsOf(id)) {
             int islandOverlap = clip.classify(island, islandPieces);
             if (islandOverlap == 0) {
@@ -276,21 +282,28 @@ int FTJDKAreaByBoundary(const AcDbObjectIdArray& boundaries, const AcDbObjectIdA
             for (AcDbObjectId boundary : boundaries)
                 clips.push_back(stats::ClipOf(boundary));
         }
-        std::vector<double> pieces, islandPieces;
-        for (AcDbObjectId id : parcels) {
+        // Every parcel against every boundary at once, the clipping shared among cores.
+        std::vector<std::vector<stats::BoundaryClip::Answer>> answers(clips.size());
+        for (std::size_t c = 0; c < clips.size(); ++c)
+            clips[c]->classifyMany(parcels, answers[c]);
+        std::vector<double> islandPieces;
+        for (int i = 0; i < parcels.length(); ++i) {
+            AcDbObjectId id = parcels[i];
             double a = 0;
             if (!clipped) {
                 a = recordArea(id, calculated) * 10000;
             } else {
-                for (auto& clip : clips) {
-                    int overlap = clip->classify(id, pieces);
-                    if (overlap == 0) {
+                for (std::size_t c = 0; c < clips.size(); ++c) {
+                    const stats::BoundaryClip::Answer& answer =
+                        answers[c][static_cast<std::size_t>(i)];
+                    if (answer.overlap == -1 && answer.read) stats::PrintFoldStopped();
+                    if (answer.overlap == 0) {
                         // Replaces what earlier boundaries gave.
                         a = recordArea(id, calculated) * 10000;
-                    } else if (overlap == 1) {
-                        a += piecesArea(pieces, id, calculated);
+                    } else if (answer.overlap == 1) {
+                        a += piecesArea(answer.pieces, id, calculated);
                         for (AcDbObjectId island : islandsOf(id)) {
-                            int islandOverlap = clip->classify(island, islandPieces);
+                            int islandOverlap = clips[c]->classify(island, islandPieces);
                             // The tabulation adds an island lying wholly inside, unlike the
                             // measure, which takes it off.
                             if (islandOverlap == 0) {

@@ -11,6 +11,7 @@
 #include <random>
 #include <sstream>
 
+#include "host/db/CommandLine.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/GpcAdaptor.h"
@@ -335,8 +336,10 @@ TEST_F(GeosOracleTest, ClipWithTheNearEdgesGivesTheWholeClipsPieces) {
         }
     }
     int crossing = 0;
+    AcDbObjectIdArray drawn;
     for (std::size_t i = 0; i < parcels.size(); ++i) {
         AcDbObjectId parcel = draw(parcels[i]);
+        drawn.append(parcel);
         std::vector<double> areas;
         int overlap = clip.classify(parcel, areas);
         EXPECT_EQ(overlap, overlapByPolylines(boundary, parcel)) << "parcel " << i;
@@ -349,6 +352,25 @@ TEST_F(GeosOracleTest, ClipWithTheNearEdgesGivesTheWholeClipsPieces) {
     }
     EXPECT_GT(crossing, 60);
     EXPECT_LT(clip.fullClips(), 5);
+
+    // All at once, the clipping spread over threads: the same answers to the last bit, an
+    // erased curve and a repeated one included, and nothing said on the command line.
+    AcDbObjectId gone = draw(parcels[0]);
+    erase(gone);
+    drawn.append(gone);
+    drawn.append(drawn[3]);
+    db::commandLine().clearTranscript();
+    std::vector<stats::BoundaryClip::Answer> answers;
+    clip.classifyMany(drawn, answers);
+    EXPECT_EQ(db::commandLine().transcript(), L"");
+    ASSERT_EQ(answers.size(), static_cast<std::size_t>(drawn.length()));
+    for (int i = 0; i < drawn.length(); ++i) {
+        std::vector<double> areas;
+        EXPECT_EQ(answers[static_cast<std::size_t>(i)].overlap, clip.classify(drawn[i], areas))
+            << "parcel " << i;
+        EXPECT_EQ(answers[static_cast<std::size_t>(i)].pieces, areas) << "parcel " << i;
+        EXPECT_EQ(answers[static_cast<std::size_t>(i)].read, i != drawn.length() - 2);
+    }
 }
 
 // The measure of many parcels at once, islands included, against the measure made of

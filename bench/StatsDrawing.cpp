@@ -110,10 +110,10 @@ StatsDrawing makeStatsDrawing(int count, bool withIndicators) {
         return static_cast<double>(crossing) / seen;
     };
     double lo = 0.02, hi = 0.98, clipped = 0, whole = 0;
-    for (int round = 0; round < 7; ++round) {
+    for (int round = 0; round < 8; ++round) {
         double mid = (lo + hi) / 2;
         AcDbObjectId trial = fan(mid);
-        (shares(trial, 20, clipped, whole) < 0.2 ? lo : hi) = mid;
+        (shares(trial, 1, clipped, whole) < 0.2 ? lo : hi) = mid;
         kova::ent::Erase(trial);
     }
     d.boundary = fan((lo + hi) / 2);

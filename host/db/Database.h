@@ -46,6 +46,9 @@ class Database {
     // The next handle that add() will give; never below one past the largest in use.
     std::uint64_t handseed() const { return nextHandle_; }
     void setHandseed(std::uint64_t seed);
+    // Room for this many objects, so that a loader adding them does not grow the handle
+    // index step by step.
+    void reserve(std::size_t objects) { byHandle_.reserve(objects); }
 
     std::size_t size() const { return stubs_.size(); }
     // A number unique to this database in this process, never reused.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -68,6 +69,8 @@ class Loader {
     bool run();
     const std::string& error() const { return reader_.error(); }
     TagReader& reader() { return reader_; }
+    // The size of the file, when known: with $HANDSEED it sizes the handle index.
+    void setFileSize(std::uint64_t bytes) { fileSize_ = bytes; }
 
   private:
     bool next(TagView& t) {
@@ -124,6 +127,7 @@ class Loader {
     std::vector<TagView> tags_;
     ParsedObject parsed_;
     std::uint64_t handseed_ = 0;
+    std::uint64_t fileSize_ = 0;
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
@@ -263,7 +267,12 @@ bool Loader::readHeader() {
         std::string_view value = trimmed(raw[i + 1].second);
         if (name == "$ACADVER") version = value;
         if (name == "$DWGCODEPAGE") codePage = value;
-        if (name == "$HANDSEED") handseed_ = ReadContext::parseHandle(value);
+        if (name == "$HANDSEED") {
+            handseed_ = ReadContext::parseHandle(value);
+            // No object takes fewer than some 40 bytes of a file: a seed far beyond what
+            // the file can hold reserves nothing it does not need.
+            if (fileSize_ > 0) database_.reserve(std::min(handseed_, fileSize_ / 40));
+        }
         if (name == "$INSUNITS") {
             std::int64_t v = 0;
             if (parseInt(value, v)) file_->insUnits = static_cast<int>(v);
@@ -656,6 +665,7 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
     } bar;
     try {
         Loader loader(in, name, database);
+        loader.setFileSize(fileSize);
         if (fileSize > 0) {
             std::wstring message = L"读取 " + db::utf8ToWide(name);
             db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));

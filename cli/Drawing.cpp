@@ -1,6 +1,7 @@
 #include "cli/Drawing.h"
 
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 #include <unordered_set>
 
@@ -151,6 +152,31 @@ AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjec
         if ((generation == 1 || generation == 2) && CDKBJXDInfo(id).IsDkbj()) older.append(id);
     }
     return older;
+}
+
+int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
+                  const StandardOptions& options, Format& format, LoadedDrawing& drawing,
+                  std::string& path) {
+    if (!parseFormat(formatArgument, format)) {
+        std::cerr << "kplan: --format " << formatArgument << ": expected table, csv or json\n";
+        return 2;
+    }
+    std::string error;
+    if (!applyStandard(options, error)) {
+        std::cerr << "kplan: " << error << "\n";
+        return 1;
+    }
+    path = drawingArgument.empty() ? samplePlanPath() : drawingArgument;
+    if (path.empty()) {
+        std::cerr << "kplan: the sample plan (data/samples/sample-plan.dxf) is not installed; "
+                     "name a drawing\n";
+        return 1;
+    }
+    if (!drawing.open(path, options, error)) {
+        std::cerr << "kplan: " << error << "\n";
+        return 1;
+    }
+    return 0;
 }
 
 std::string handleText(AcDbObjectId id) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/Output.h"
 #include "host/arx/acdocman.h"
 
 namespace kplan::cli {
@@ -44,6 +45,14 @@ class LoadedDrawing {
 // Planned parcels of model space that carry only records of the older generations
 // ("地块属性", "地块边界"): the scans of the current generation do not return them.
 AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjectIdArray& found);
+
+// What a command reporting on a drawing does first: reads the output format, applies the
+// standards options, and loads the drawing named (the sample plan when none is) as the
+// current document. 0 when all is ready; otherwise the exit code, with the message
+// printed.
+int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
+                  const StandardOptions& options, Format& format, LoadedDrawing& drawing,
+                  std::string& path);
 
 // Handle text of an object ("2A").
 std::string handleText(AcDbObjectId id);

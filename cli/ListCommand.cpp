@@ -127,26 +127,10 @@ std::vector<Kind> select(const ListArgs& args, AcDbDatabase& database) {
 
 int runList(const ListArgs& args) {
     Format format;
-    if (!parseFormat(args.format, format)) {
-        std::cerr << "kplan: --format " << args.format << ": expected table, csv or json\n";
-        return 2;
-    }
-    std::string error;
-    if (!applyStandard(args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
-    std::string path = args.drawing.empty() ? samplePlanPath() : args.drawing;
-    if (path.empty()) {
-        std::cerr << "kplan: the sample plan (data/samples/sample-plan.dxf) is not installed; "
-                     "name a drawing\n";
-        return 1;
-    }
     LoadedDrawing drawing;
-    if (!drawing.open(path, args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
+    std::string path;
+    if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
+        return failed;
     ClassNames names;
     std::vector<Row> rows;
     for (const Kind& kind : select(args, *drawing.database())) {

@@ -316,25 +316,12 @@ void printJson(const std::string& path, const Balance& b) {
 
 int runStats(StatsArgs args) {
     Format format;
-    if (!parseFormat(args.format, format)) {
-        std::cerr << "kplan: --format " << args.format << ": expected table, csv or json\n";
-        return 2;
-    }
-    std::string error;
-    if (!applyStandard(args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
-    std::string path = args.drawing.empty() ? samplePlanPath() : args.drawing;
-    if (path.empty()) {
-        std::cerr << "kplan: the sample plan (data/samples/sample-plan.dxf) is not installed; "
-                     "name a drawing\n";
-        return 1;
-    }
     LoadedDrawing drawing;
+    std::string path, error;
+    if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
+        return failed;
     AcDbObjectId boundary;
-    if (!drawing.open(path, args.standard, error) ||
-        !chooseBoundary(args, *drawing.database(), boundary, error)) {
+    if (!chooseBoundary(args, *drawing.database(), boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }

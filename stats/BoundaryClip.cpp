@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <condition_variable>
+#include <mutex>
 #include <numbers>
 #include <numeric>
 #include <thread>
@@ -631,8 +633,71 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
         double ownArea;
         int overlap = kClip;
     };
+    // Reading the drawing stays on this thread, as the host wants it; the clipping starts
+    // on the other cores as soon as the first curves are read. The jobs never move: room
+    // for all is made first, and a job is published once it is whole.
     std::vector<Job> jobs;
-    // Reading the drawing stays on this thread, as the host wants it.
+    jobs.reserve(n);
+    Job* const base = jobs.data();
+    std::atomic<std::size_t> published{0}, next{0};
+    std::atomic<bool> reading{true};
+    std::mutex mutex;
+    std::condition_variable ready;
+    // Each job is worked as classify works it, in a workspace of the thread's own.
+    auto run = [&](Workspace& ws, Job& job) {
+        ws.raw = job.raw;
+        ws.bulges = job.bulges;
+        try {
+            job.overlap = finish(ws, job.far, job.ownArea, answers[job.index].pieces);
+        } catch (...) {
+            job.overlap = kClip;  // worked again below, on this thread
+        }
+    };
+    auto work = [&](Workspace& ws) {
+        for (;;) {
+            std::size_t k = next.load();
+            if (k < published.load(std::memory_order_acquire)) {
+                if (next.compare_exchange_weak(k, k + 1)) run(ws, base[k]);
+                continue;
+            }
+            if (!reading.load(std::memory_order_acquire)) {
+                if (next.load() >= published.load(std::memory_order_acquire)) return;
+                continue;
+            }
+            std::unique_lock<std::mutex> lock(mutex);
+            ready.wait(lock, [&] {
+                return next.load() < published.load(std::memory_order_acquire) ||
+                       !reading.load(std::memory_order_acquire);
+            });
+        }
+    };
+    // Asking the system costs a file read each time.
+    static const unsigned cores =
+        std::min<unsigned>(std::max(1u, std::thread::hardware_concurrency()), 8);
+    // A thread is worth starting for some hundreds of curves.
+    unsigned threads = static_cast<unsigned>(std::min<std::size_t>(cores, n / 256 + 1));
+    std::vector<Workspace> spaces(threads > 1 ? threads - 1 : 0);
+    struct Crew {
+        std::vector<std::thread> threads;
+        std::atomic<bool>& reading;
+        std::mutex& mutex;
+        std::condition_variable& ready;
+        void stopReading() {
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                reading.store(false, std::memory_order_release);
+            }
+            ready.notify_all();
+        }
+        // Whatever happens on this thread, the others are joined before the jobs go.
+        ~Crew() {
+            stopReading();
+            for (std::thread& t : threads)
+                if (t.joinable()) t.join();
+        }
+    } crew{{}, reading, mutex, ready};
+    for (Workspace& ws : spaces)
+        crew.threads.emplace_back(work, std::ref(ws));
     for (std::size_t i = 0; i < n; ++i) {
         AcDbObjectId curve = curves[static_cast<int>(i)];
         Answer& answer = answers[i];
@@ -651,33 +716,15 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
         double ownArea = 0;
         if (!far) kova::ent::GetArea(curve, ownArea);
         jobs.push_back({i, main_.raw, main_.bulges, far, ownArea});
-    }
-    // The clipping, in as many threads as make sense; each job is worked as classify works
-    // it, in a workspace of the thread's own.
-    auto work = [&](Workspace& ws, std::atomic<std::size_t>& next) {
-        for (std::size_t k = next++; k < jobs.size(); k = next++) {
-            Job& job = jobs[k];
-            ws.raw = job.raw;
-            ws.bulges = job.bulges;
-            try {
-                job.overlap = finish(ws, job.far, job.ownArea, answers[job.index].pieces);
-            } catch (...) {
-                job.overlap = kClip;  // worked again below, on this thread
-            }
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            published.store(jobs.size(), std::memory_order_release);
         }
-    };
-    std::atomic<std::size_t> next{0};
-    // Asking the system costs a file read each time.
-    static const unsigned cores =
-        std::min<unsigned>(std::max(1u, std::thread::hardware_concurrency()), 8);
-    // A thread is worth starting for some dozens of clips.
-    unsigned threads = static_cast<unsigned>(std::min<std::size_t>(cores, jobs.size() / 64 + 1));
-    std::vector<Workspace> spaces(threads > 1 ? threads - 1 : 0);
-    std::vector<std::thread> workers;
-    for (Workspace& ws : spaces)
-        workers.emplace_back(work, std::ref(ws), std::ref(next));
-    work(main_, next);
-    for (std::thread& t : workers)
+        ready.notify_one();
+    }
+    crew.stopReading();
+    work(main_);
+    for (std::thread& t : crew.threads)
         t.join();
     for (const Workspace& ws : spaces) {
         clips_ += ws.clips;

@@ -22,8 +22,11 @@ bool outlineOf(const AcDbEntity* ent, AcGePoint3dArray& points, AcGeDoubleArray&
     points.removeAll();
     bulges.removeAll();
     bool closed = true;
-    std::vector<AcGePoint2d> vertices;
-    std::vector<double> vertexBulges;
+    // Kept from call to call: outlines are read by the hundred thousand.
+    thread_local std::vector<AcGePoint2d> vertices;
+    thread_local std::vector<double> vertexBulges;
+    vertices.clear();
+    vertexBulges.clear();
     double elevation = 0;
     if (auto* pline = AcDbPolyline::cast(ent)) {
         pline->collect(vertices, vertexBulges);
@@ -59,6 +62,8 @@ bool outlineOf(const AcDbEntity* ent, AcGePoint3dArray& points, AcGeDoubleArray&
     } else {
         return false;
     }
+    points.setPhysicalLength(static_cast<int>(vertices.size()));
+    bulges.setPhysicalLength(static_cast<int>(vertices.size()));
     for (std::size_t i = 0; i < vertices.size(); ++i) {
         points.append({vertices[i].x, vertices[i].y, elevation});
         bulges.append(vertexBulges[i]);
@@ -140,18 +145,25 @@ AcDbObjectId Copy(AcDbObjectId id) {
 }
 
 int GetCurveParam(AcDbObjectId id, AcGePoint3dArray* points, AcGeDoubleArray* bulges) {
-    AcGePoint3dArray p;
-    AcGeDoubleArray b;
     if (points) points->removeAll();
     if (bulges) bulges->removeAll();
     if (!FIsValidId(id)) return 0;
     AcDbEntity* ent = nullptr;
     if (acdbOpenAcDbEntity(ent, id, AcDb::kForRead) != Acad::eOk) return 0;
-    bool ok = outlineOf(ent, p, b);
+    // Read straight into the caller's arrays when it gives both.
+    AcGePoint3dArray p;
+    AcGeDoubleArray b;
+    AcGePoint3dArray& intoPoints = points && bulges ? *points : p;
+    AcGeDoubleArray& intoBulges = points && bulges ? *bulges : b;
+    bool ok = outlineOf(ent, intoPoints, intoBulges);
     ent->close();
-    if (!ok) return 0;
-    if (points) *points = p;
-    if (bulges) *bulges = b;
+    if (!ok) {
+        intoPoints.removeAll();
+        intoBulges.removeAll();
+        return 0;
+    }
+    if (points && !bulges) *points = p;
+    if (bulges && !points) *bulges = b;
     return 1;
 }
 

@@ -87,7 +87,8 @@ bool isScopeLine(AcDbObjectId id) {
     bool scope = false;
     curve->withXdata([&](const db::ValueList& values) {
         scope = std::any_of(values.begin(), values.end(), [](const db::Value& v) {
-            return v.code == 1001 && v.text() && *v.text() == dk::FAPP_GHFWX;
+            // Application names are compared ignoring case, as the host does.
+            return v.code == 1001 && v.text() && arx::foldCase(v.text()->c_str()) == dk::FAPP_GHFWX;
         });
     });
     return scope;

@@ -76,6 +76,7 @@ class Saver {
     std::string version_;
     WriteContext ctx_;
     std::uint64_t nextHandle_ = 0;
+    bool missingAppsWritten_ = false;
     std::uint64_t handseed_ = 0;
     std::vector<std::wstring> missingApps_;
     std::unordered_set<const db::Stub*> written_;
@@ -329,7 +330,9 @@ void Saver::writeTable(const std::string& name, AcDbObjectId headId) {
         for (AcDbObjectId id : typed->recordIds()) {
             if (live(id)) writeObject(*arx::peekObject(id));
         }
-        if (AcDbRegAppTable::cast(head)) {
+        // Into the first application table only: a file may bring the table twice.
+        if (AcDbRegAppTable::cast(head) && !missingAppsWritten_) {
+            missingAppsWritten_ = true;
             for (const std::wstring& app : missingApps_) {
                 TagWriter& out = ctx_.out;
                 out.text(0, "APPID");

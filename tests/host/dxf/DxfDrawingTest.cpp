@@ -240,6 +240,21 @@ TEST_F(DxfDrawingTest, EveryApplicationOfXdataIsRegisteredInTheFile) {
     ASSERT_NE(apps, nullptr);
     EXPECT_TRUE(apps->has(L"NOT_IN_APPID"));
     EXPECT_TRUE(apps->has(L"FAPP_GHDK"));
+
+    // A file that brings the application table twice gets the missing name once.
+    std::string::size_type end = text.find("ENDTAB\n", text.find("  2\nAPPID\n"));
+    ASSERT_NE(end, std::string::npos);
+    text.insert(end + 7,
+                "  0\nTABLE\n  2\nAPPID\n  5\n9A\n330\n0\n100\nAcDbSymbolTable\n 70\n0\n"
+                "  0\nENDTAB\n");
+    auto twice = dxftest::loadText(text, error);
+    ASSERT_TRUE(twice) << error;
+    std::string written = dxftest::saveText(*twice, "");
+    ASSERT_EQ(written.find("error: "), std::string::npos) << written;
+    std::string::size_type first = written.find("  2\nNOT_IN_APPID\n");
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(written.find("  2\nNOT_IN_APPID\n", first + 1), std::string::npos);
+    EXPECT_TRUE(dxftest::loadText(written, error)) << error;
 }
 
 TEST_F(DxfDrawingTest, OlderVersionsAreWrittenInTheCodePage) {

@@ -1,6 +1,8 @@
 #include "host/arx/dbpl.h"
 
 #include <cmath>
+#include <cstring>
+#include <tuple>
 
 #include "host/arx/outline.h"
 
@@ -11,70 +13,106 @@ ACRX_DEFINE_MEMBERS(AcDbPolyline, AcDbCurve, L"LWPOLYLINE")
         if (!isWriteEnabled()) return Acad::eNotOpenForWrite; \
     } while (0)
 
+namespace {
+
+// Bit for bit, so that a -0.0 read from a file is kept as written.
+bool sameBits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+}  // namespace
+
+void AcDbPolyline::needBulges() {
+    if (bulges_.empty()) bulges_.assign(points_.size(), 0.0);
+}
+
+void AcDbPolyline::needWidths() {
+    if (widths_.empty()) widths_.assign(points_.size(), {constantWidth_, constantWidth_});
+}
+
 Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2d& point,
                                             double bulge, double startWidth, double endWidth) {
     KPLAN_ASSERT_WRITE;
     if (index > numVerts()) return Acad::eInvalidIndex;
-    Vertex v{point, bulge, startWidth < 0 ? constantWidth_ : startWidth,
-             endWidth < 0 ? constantWidth_ : endWidth};
-    vertices_.insert(vertices_.begin() + index, v);
+    if (startWidth < 0) startWidth = constantWidth_;
+    if (endWidth < 0) endWidth = constantWidth_;
+    points_.insert(points_.begin() + index, point);
+    if (!bulges_.empty()) {
+        bulges_.insert(bulges_.begin() + index, bulge);
+    } else if (!sameBits(bulge, 0.0)) {
+        needBulges();
+        bulges_[index] = bulge;
+    }
+    if (!widths_.empty()) {
+        widths_.insert(widths_.begin() + index, {startWidth, endWidth});
+    } else if (!sameBits(startWidth, constantWidth_) || !sameBits(endWidth, constantWidth_)) {
+        needWidths();
+        widths_[index] = {startWidth, endWidth};
+    }
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::removeVertexAt(unsigned int index) {
     KPLAN_ASSERT_WRITE;
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    vertices_.erase(vertices_.begin() + index);
+    points_.erase(points_.begin() + index);
+    if (!bulges_.empty()) bulges_.erase(bulges_.begin() + index);
+    if (!widths_.empty()) widths_.erase(widths_.begin() + index);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::reset(bool reuse, unsigned int count) {
     KPLAN_ASSERT_WRITE;
-    if (!reuse) {
-        vertices_.clear();
-    } else if (count < numVerts()) {
-        vertices_.resize(count);
+    if (!reuse) count = 0;
+    if (count < numVerts()) {
+        points_.resize(count);
+        if (!bulges_.empty()) bulges_.resize(count);
+        if (!widths_.empty()) widths_.resize(count);
     }
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint2d& point) const {
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    point = vertices_[index].point;
+    point = points_[index];
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint3d& point) const {
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    point = {vertices_[index].point.x, vertices_[index].point.y, elevation_};
+    point = {points_[index].x, points_[index].y, elevation_};
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::setPointAt(unsigned int index, const AcGePoint2d& point) {
     KPLAN_ASSERT_WRITE;
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    vertices_[index].point = point;
+    points_[index] = point;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getBulgeAt(unsigned int index, double& bulge) const {
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    bulge = vertices_[index].bulge;
+    bulge = this->bulge(index);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::setBulgeAt(unsigned int index, double bulge) {
     KPLAN_ASSERT_WRITE;
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    vertices_[index].bulge = bulge;
+    if (!sameBits(bulge, 0.0)) needBulges();
+    if (!bulges_.empty()) bulges_[index] = bulge;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getWidthsAt(unsigned int index, double& startWidth,
                                             double& endWidth) const {
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    startWidth = vertices_[index].startWidth;
-    endWidth = vertices_[index].endWidth;
+    if (widths_.empty()) {
+        startWidth = endWidth = constantWidth_;
+    } else {
+        std::tie(startWidth, endWidth) = widths_[index];
+    }
     return Acad::eOk;
 }
 
@@ -82,26 +120,24 @@ Acad::ErrorStatus AcDbPolyline::setWidthsAt(unsigned int index, double startWidt
                                             double endWidth) {
     KPLAN_ASSERT_WRITE;
     if (index >= numVerts()) return Acad::eInvalidIndex;
-    vertices_[index].startWidth = startWidth;
-    vertices_[index].endWidth = endWidth;
+    if (!sameBits(startWidth, constantWidth_) || !sameBits(endWidth, constantWidth_)) needWidths();
+    if (!widths_.empty()) widths_[index] = {startWidth, endWidth};
     return Acad::eOk;
 }
 
 bool AcDbPolyline::isOnlyLines() const {
-    for (const Vertex& v : vertices_) {
-        if (v.bulge != 0) return false;
+    for (double b : bulges_) {
+        if (b != 0) return false;
     }
     return true;
 }
 
 void AcDbPolyline::collect(std::vector<AcGePoint2d>& points, std::vector<double>& bulges) const {
-    points.clear();
-    bulges.clear();
-    points.reserve(vertices_.size());
-    bulges.reserve(vertices_.size());
-    for (const Vertex& v : vertices_) {
-        points.push_back(v.point);
-        bulges.push_back(v.bulge);
+    points.assign(points_.begin(), points_.end());
+    if (bulges_.empty()) {
+        bulges.assign(points_.size(), 0.0);
+    } else {
+        bulges.assign(bulges_.begin(), bulges_.end());
     }
 }
 
@@ -121,10 +157,8 @@ Acad::ErrorStatus AcDbPolyline::setNormal(const AcGeVector3d& normal) {
 }
 
 Acad::ErrorStatus AcDbPolyline::getConstantWidth(double& width) const {
-    for (const Vertex& v : vertices_) {
-        if (v.startWidth != constantWidth_ || v.endWidth != constantWidth_) {
-            return Acad::eNotApplicable;
-        }
+    for (const auto& [start, end] : widths_) {
+        if (start != constantWidth_ || end != constantWidth_) return Acad::eNotApplicable;
     }
     width = constantWidth_;
     return Acad::eOk;
@@ -134,8 +168,7 @@ Acad::ErrorStatus AcDbPolyline::setConstantWidth(double width) {
     KPLAN_ASSERT_WRITE;
     if (width < 0) return Acad::eInvalidInput;
     constantWidth_ = width;
-    for (Vertex& v : vertices_)
-        v.startWidth = v.endWidth = width;
+    widths_.clear();
     return Acad::eOk;
 }
 
@@ -150,49 +183,46 @@ void AcDbPolyline::setPlinegen(bool on) {
 }
 
 unsigned int AcDbPolyline::segmentCount() const {
-    if (vertices_.size() < 2) return 0;
+    if (points_.size() < 2) return 0;
     return closed_ ? numVerts() : numVerts() - 1;
 }
 
 Acad::ErrorStatus AcDbPolyline::getStartParam(double& param) const {
-    if (vertices_.empty()) return Acad::eDegenerateGeometry;
+    if (points_.empty()) return Acad::eDegenerateGeometry;
     param = 0;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getEndParam(double& param) const {
-    if (vertices_.empty()) return Acad::eDegenerateGeometry;
+    if (points_.empty()) return Acad::eDegenerateGeometry;
     param = segmentCount();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getPointAtParam(double param, AcGePoint3d& point) const {
-    if (vertices_.empty()) return Acad::eDegenerateGeometry;
+    if (points_.empty()) return Acad::eDegenerateGeometry;
     unsigned int segments = segmentCount();
     if (!(param >= 0) || param > segments + 1e-10) return Acad::eInvalidInput;
     unsigned int i = static_cast<unsigned int>(std::floor(param));
     if (i >= segments) {
-        const AcGePoint2d& p = vertices_[segments % numVerts()].point;
+        const AcGePoint2d& p = points_[segments % numVerts()];
         point = {p.x, p.y, elevation_};
         return Acad::eOk;
     }
-    const Vertex& a = vertices_[i];
-    const Vertex& b = vertices_[(i + 1) % numVerts()];
-    AcGePoint2d p = acgeBulgePointAt(a.point, b.point, a.bulge, param - i);
+    AcGePoint2d p =
+        acgeBulgePointAt(points_[i], points_[(i + 1) % numVerts()], bulge(i), param - i);
     point = {p.x, p.y, elevation_};
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbPolyline::getDistAtParam(double param, double& dist) const {
-    if (vertices_.empty()) return Acad::eDegenerateGeometry;
+    if (points_.empty()) return Acad::eDegenerateGeometry;
     unsigned int segments = segmentCount();
     if (!(param >= 0) || param > segments + 1e-10) return Acad::eInvalidInput;
     dist = 0;
     for (unsigned int i = 0; i < segments && i < param; ++i) {
-        const Vertex& a = vertices_[i];
-        const Vertex& b = vertices_[(i + 1) % numVerts()];
-        double chord = a.point.distanceTo(b.point);
-        double full = acgeBulgeArcLength(chord, a.bulge);
+        double chord = points_[i].distanceTo(points_[(i + 1) % numVerts()]);
+        double full = acgeBulgeArcLength(chord, bulge(i));
         // Along an arc the sweep, and so the length, is linear in the parameter.
         dist += full * std::min(1.0, param - i);
     }
@@ -201,19 +231,20 @@ Acad::ErrorStatus AcDbPolyline::getDistAtParam(double param, double& dist) const
 
 Acad::ErrorStatus AcDbPolyline::getArea(double& area) const {
     area = 0;
-    std::size_t n = vertices_.size();
+    std::size_t n = points_.size();
     if (n < 2) return Acad::eOk;
     double twice = 0, arcs = 0;
     // Shoelace relative to the first vertex keeps precision far from the origin.
-    const AcGePoint2d& o = vertices_[0].point;
+    const AcGePoint2d& o = points_[0];
     for (std::size_t i = 0; i < n; ++i) {
-        const Vertex& a = vertices_[i];
-        const Vertex& b = vertices_[(i + 1) % n];
-        twice += (a.point.x - o.x) * (b.point.y - o.y) - (b.point.x - o.x) * (a.point.y - o.y);
+        const AcGePoint2d& a = points_[i];
+        const AcGePoint2d& b = points_[(i + 1) % n];
+        twice += (a.x - o.x) * (b.y - o.y) - (b.x - o.x) * (a.y - o.y);
         // The closing segment of an open polyline is straight.
-        if (a.bulge != 0 && (closed_ || i + 1 < n)) {
-            double segment = acgeBulgeSegmentArea(a.point.distanceTo(b.point), a.bulge);
-            arcs += a.bulge > 0 ? segment : -segment;
+        double bulge = this->bulge(i);
+        if (bulge != 0 && (closed_ || i + 1 < n)) {
+            double segment = acgeBulgeSegmentArea(a.distanceTo(b), bulge);
+            arcs += bulge > 0 ? segment : -segment;
         }
     }
     area = std::fabs(twice / 2 + arcs);
@@ -221,15 +252,15 @@ Acad::ErrorStatus AcDbPolyline::getArea(double& area) const {
 }
 
 Acad::ErrorStatus AcDbPolyline::getGeomExtents(AcDbExtents& extents) const {
-    if (vertices_.empty()) return Acad::eInvalidExtents;
+    if (points_.empty()) return Acad::eInvalidExtents;
     extents = AcDbExtents();
-    std::size_t n = vertices_.size();
+    std::size_t n = points_.size();
     for (std::size_t i = 0; i < n; ++i) {
-        const Vertex& a = vertices_[i];
-        extents.addPoint({a.point.x, a.point.y, elevation_});
-        if (a.bulge != 0 && (closed_ || i + 1 < n)) {
-            arx::addBulgeExtents(a.point, vertices_[(i + 1) % n].point, a.bulge, elevation_,
-                                 extents);
+        const AcGePoint2d& a = points_[i];
+        extents.addPoint({a.x, a.y, elevation_});
+        double bulge = this->bulge(i);
+        if (bulge != 0 && (closed_ || i + 1 < n)) {
+            arx::addBulgeExtents(a, points_[(i + 1) % n], bulge, elevation_, extents);
         }
     }
     return Acad::eOk;

@@ -1,5 +1,6 @@
 #pragma once
 // The lightweight polyline: 2D vertices with a bulge and widths per segment.
+#include <utility>
 #include <vector>
 
 #include "host/arx/dbcurve.h"
@@ -8,9 +9,9 @@ class AcDbPolyline : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbPolyline)
     AcDbPolyline() = default;
-    explicit AcDbPolyline(unsigned int reserve) { vertices_.reserve(reserve); }
+    explicit AcDbPolyline(unsigned int reserve) { points_.reserve(reserve); }
 
-    unsigned int numVerts() const { return static_cast<unsigned int>(vertices_.size()); }
+    unsigned int numVerts() const { return static_cast<unsigned int>(points_.size()); }
     Acad::ErrorStatus addVertexAt(unsigned int index, const AcGePoint2d& point, double bulge = 0.,
                                   double startWidth = -1., double endWidth = -1.);
     Acad::ErrorStatus removeVertexAt(unsigned int index);
@@ -47,12 +48,15 @@ class AcDbPolyline : public AcDbCurve {
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
 
   private:
-    struct Vertex {
-        AcGePoint2d point;
-        double bulge = 0, startWidth = 0, endWidth = 0;
-    };
     unsigned int segmentCount() const;
-    std::vector<Vertex> vertices_;
+    double bulge(std::size_t i) const { return bulges_.empty() ? 0.0 : bulges_[i]; }
+    // Most polylines have no arcs and no widths: those are kept only once a vertex
+    // needs them, which halves the memory of a drawing of parcels.
+    void needBulges();
+    void needWidths();
+    std::vector<AcGePoint2d> points_;
+    std::vector<double> bulges_;                     // empty: all 0
+    std::vector<std::pair<double, double>> widths_;  // empty: all constantWidth_
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     double elevation_ = 0, thickness_ = 0, constantWidth_ = 0;
     bool closed_ = false, plinegen_ = false;

@@ -68,6 +68,50 @@ TEST_F(CurveTest, HeavyPolylineMatchesLightweight) {
     pline->close();
 }
 
+TEST_F(CurveTest, VertexEditsKeepBulgesAndWidthsInPlace) {
+    // Arcs and widths may appear on any vertex, after any edit.
+    auto* pl = new AcDbPolyline();
+    pl->addVertexAt(0, {0, 0});
+    pl->addVertexAt(1, {10, 0});
+    pl->addVertexAt(1, {5, 5}, 0.5);       // the first arc, between two straight vertices
+    pl->addVertexAt(0, {-5, 0}, -0.0);     // a negative zero as a file may give it
+    pl->addVertexAt(4, {20, 0}, 0, 1, 2);  // the first width, at the end
+    pl->removeVertexAt(1);                 // (0, 0)
+    struct Expected {
+        double x, bulge, startWidth, endWidth;
+    } expected[] = {{-5, -0.0, 0, 0}, {5, 0.5, 0, 0}, {10, 0, 0, 0}, {20, 0, 1, 2}};
+    ASSERT_EQ(pl->numVerts(), 4u);
+    for (unsigned int i = 0; i < 4; ++i) {
+        AcGePoint2d p;
+        double bulge = 9, sw = 9, ew = 9;
+        pl->getPointAt(i, p);
+        pl->getBulgeAt(i, bulge);
+        pl->getWidthsAt(i, sw, ew);
+        EXPECT_EQ(p.x, expected[i].x) << i;
+        EXPECT_EQ(bulge, expected[i].bulge) << i;
+        EXPECT_EQ(std::signbit(bulge), std::signbit(expected[i].bulge)) << i;
+        EXPECT_EQ(sw, expected[i].startWidth) << i;
+        EXPECT_EQ(ew, expected[i].endWidth) << i;
+    }
+    double width = -1;
+    EXPECT_EQ(pl->getConstantWidth(width), Acad::eNotApplicable);
+    EXPECT_FALSE(pl->isOnlyLines());
+    pl->setConstantWidth(3);
+    ASSERT_EQ(pl->getConstantWidth(width), Acad::eOk);
+    EXPECT_EQ(width, 3);
+    pl->addVertexAt(4, {30, 0});
+    double sw = 0, ew = 0;
+    pl->getWidthsAt(4, sw, ew);
+    EXPECT_EQ(sw, 3) << "a new vertex takes the constant width";
+    pl->setBulgeAt(1, 0);
+    EXPECT_TRUE(pl->isOnlyLines());
+    pl->reset(true, 2);
+    EXPECT_EQ(pl->numVerts(), 2u);
+    pl->getBulgeAt(0, width);
+    EXPECT_TRUE(std::signbit(width)) << "reset keeps the first vertices whole";
+    delete pl;
+}
+
 TEST_F(CurveTest, ParametersLengthsAndExtents) {
     AcDbObjectId id = addPolyline({{0, 0}, {10, 0}, {10, 10}, {0, 10}}, {0, 1, 0, 0});
     AcDbPolyline* pline = nullptr;

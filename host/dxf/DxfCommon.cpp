@@ -140,29 +140,23 @@ std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags) {
     for (const TagView& t : tags)
         estimate += t.value.size() + 4;
     packed.reserve(estimate);
+    std::string converted;
     for (const TagView& t : tags) {
-        packed += static_cast<char>(t.code & 0xFF);
-        packed += static_cast<char>((t.code >> 8) & 0xFF);
-        // The length goes before the text, which is converted in place: room is kept for
-        // it, and the text moved only when the converted length needs more or less.
-        std::size_t at = packed.size();
-        std::size_t kept = t.value.size() < 100 ? 1 : 3;
-        packed.append(kept, '\0');
-        if (db::kindOfGroupCode(t.code) == db::ValueKind::String) {
-            ctx.strings.appendUtf8(packed, t.value);
-        } else {
-            packed.append(t.value);
+        std::string_view text = t.value;
+        if (db::kindOfGroupCode(t.code) == db::ValueKind::String && !ctx.strings.isUtf8AsIs(text)) {
+            converted = ctx.strings.toUtf8(text);
+            text = converted;
         }
-        std::size_t length = packed.size() - at - kept;
-        char prefix[4];
-        std::size_t n = 0;
-        std::size_t rest = length;
+        char head[6] = {static_cast<char>(t.code & 0xFF), static_cast<char>((t.code >> 8) & 0xFF)};
+        std::size_t n = 2;
+        std::size_t rest = text.size();
         do {
             unsigned char b = rest & 0x7F;
             rest >>= 7;
-            prefix[n++] = static_cast<char>(rest ? b | 0x80 : b);
-        } while (rest && n < 4);
-        packed.replace(at, kept, prefix, n);
+            head[n++] = static_cast<char>(rest ? b | 0x80 : b);
+        } while (rest && n < sizeof head);
+        packed.append(head, n);
+        packed.append(text);
     }
     return packed;
 }

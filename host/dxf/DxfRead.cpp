@@ -137,14 +137,18 @@ class Loader {
 bool Loader::collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
     tags.clear();
     tags.push_back(first);
-    TagView t;
-    while (next(t)) {
+    // Read straight into the list: a tag copied in from a local is reloaded before its
+    // stores have landed, which costs more than the reading itself.
+    for (;;) {
+        TagView& t = tags.emplace_back();
+        if (!next(t)) break;
         if (t.code == 0) {
             unread(t);
+            tags.pop_back();
             return true;
         }
-        tags.push_back(t);
     }
+    tags.pop_back();
     return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
 }
 

@@ -126,21 +126,22 @@ std::wstring DxfStrings::toWide(std::string_view bytes) const {
     return expandDxfEscapes(wide);
 }
 
-std::string DxfStrings::toUtf8(std::string_view bytes) const {
-    if (plainAscii(bytes)) return std::string(bytes);
-    if (utf8_ && bytes.find_first_of("\\^") == std::string_view::npos && db::isValidUtf8(bytes)) {
-        return std::string(bytes);
+bool DxfStrings::isUtf8AsIs(std::string_view bytes) const {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        unsigned char c = static_cast<unsigned char>(bytes[i]);
+        if (c == '\\' || c == '^') return false;
+        if (c >= 0x80) {
+            std::string_view rest = bytes.substr(i);
+            return utf8_ && rest.find_first_of("\\^") == std::string_view::npos &&
+                   db::isValidUtf8(rest);
+        }
     }
-    return db::wideToUtf8(toWide(bytes));
+    return true;
 }
 
-void DxfStrings::appendUtf8(std::string& out, std::string_view bytes) const {
-    if (plainAscii(bytes) ||
-        (utf8_ && bytes.find_first_of("\\^") == std::string_view::npos && db::isValidUtf8(bytes))) {
-        out.append(bytes);
-        return;
-    }
-    out.append(toUtf8(bytes));
+std::string DxfStrings::toUtf8(std::string_view bytes) const {
+    if (isUtf8AsIs(bytes)) return std::string(bytes);
+    return db::wideToUtf8(toWide(bytes));
 }
 
 std::string DxfStrings::fromWide(std::wstring_view text) const {

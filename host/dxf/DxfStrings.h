@@ -16,9 +16,9 @@ class DxfStrings {
     // File bytes to text with every escape expanded.
     std::wstring toWide(std::string_view bytes) const;
     std::string toUtf8(std::string_view bytes) const;
-    // Appends the UTF-8 of the bytes to out: the common case, text already UTF-8 or
-    // ASCII without escapes, without a string in between.
-    void appendUtf8(std::string& out, std::string_view bytes) const;
+    // True when the bytes are their own UTF-8 (the common case: ASCII, or UTF-8 in a
+    // UTF-8 file, without escapes), so that toUtf8 has nothing to do.
+    bool isUtf8AsIs(std::string_view bytes) const;
 
     // Text to file bytes: UTF-8, or the code page with escapes for what it lacks.
     std::string fromWide(std::wstring_view text) const;

@@ -45,6 +45,7 @@ std::string shown(std::string_view s) {
 TagReader::TagReader(std::istream& in, std::string name) : in_(in), name_(std::move(name)) {}
 
 void TagReader::fail(std::size_t line, const std::string& what) {
+    inPlace_ = false;
     if (!error_.empty()) return;
     error_ = name_ + (binary_ ? ": byte " : ": line ") + std::to_string(line) + ": " + what;
 }
@@ -141,7 +142,7 @@ bool TagReader::needBytes(std::size_t count) {
     return true;
 }
 
-bool TagReader::next(TagView& tag) {
+bool TagReader::nextSlow(TagView& tag) {
     if (failed()) return false;
     if (!started_) {
         started_ = true;
@@ -155,6 +156,7 @@ bool TagReader::next(TagView& tag) {
         }
     }
     if (binary_) return nextBinary(tag);
+    inPlace_ = !chunks_.empty();
     std::string_view codeText;
     // The usual code line, "  0" to "1071" and its line end, is read in place; anything
     // else (a line across chunks, padding, an error) by the general way.

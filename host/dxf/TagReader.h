@@ -4,6 +4,7 @@
 // files are recognised by their sentinel and read the same way.
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <functional>
 #include <istream>
@@ -34,7 +35,38 @@ class TagReader {
 
     // The next tag; false at the end of the input or on an error (then error() says
     // what was wrong, with the file name and line).
-    bool next(TagView& tag);
+    bool next(TagView& tag) {
+        // Inline, as it runs for every tag of a drawing: the usual tag, a short code
+        // line and a value line both within the chunk, is split here.
+        if (inPlace_) {
+            const Chunk& c = chunks_.back();
+            const char* base = c.data.get();
+            const char* p = base + pos_;
+            const char* end = base + c.size;
+            while (p < end && *p == ' ')
+                ++p;
+            const char* digits = p;
+            int code = 0;
+            while (p < end && p - digits < 6 && static_cast<unsigned>(*p - '0') < 10)
+                code = code * 10 + (*p++ - '0');
+            if (p > digits && p < end && *p == '\r') ++p;
+            if (p > digits && p < end && *p == '\n') {
+                const char* value = p + 1;
+                const void* nl = std::memchr(value, '\n', static_cast<std::size_t>(end - value));
+                const char* valueEnd = static_cast<const char*>(nl);
+                if (nl != nullptr && static_cast<std::size_t>(valueEnd - value) <= kMaxLineLength) {
+                    pos_ = static_cast<std::size_t>(valueEnd + 1 - base);
+                    if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
+                    tag.code = code;
+                    tag.value = std::string_view(value, static_cast<std::size_t>(valueEnd - value));
+                    tag.line = line_ + 1;
+                    line_ += 2;
+                    return true;
+                }
+            }
+        }
+        return nextSlow(tag);
+    }
     // Values handed out so far may be dropped; call between objects.
     void release();
 
@@ -54,6 +86,7 @@ class TagReader {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;
     };
+    bool nextSlow(TagView& tag);
     bool readLine(std::string_view& text);
     bool readValue(TagView& tag);
     bool refill();
@@ -70,6 +103,7 @@ class TagReader {
     bool eof_ = false;
     bool started_ = false;
     bool binary_ = false;
+    bool inPlace_ = false;          // ASCII, started, a chunk at hand, no error: next() may split
     bool wideCodes_ = true;         // binary: 2-byte group codes (R13 on)
     std::deque<std::string> text_;  // binary: values made text, until release()
     std::uint64_t bytesRead_ = 0;

@@ -1,5 +1,6 @@
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 #include "host/arx/peek.h"
 #include "host/db/GroupCode.h"
@@ -134,30 +135,48 @@ double radToDeg(double radians) {
     return best;
 }
 
+namespace {
+
+// Xdata codes are nearly all 1000 to 1071: their kind without the general table.
+bool isStringCode(int code) {
+    if (code >= 1000 && code <= 1071) return code <= 1003 || (code >= 1006 && code <= 1009);
+    return db::kindOfGroupCode(code) == db::ValueKind::String;
+}
+
+}  // namespace
+
 std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags) {
-    std::string packed;
-    std::size_t estimate = 0;
+    // Code (2 bytes), length (at most 4) and text, written in place: a value that grows
+    // in conversion makes room for itself.
+    std::size_t size = 0;
     for (const TagView& t : tags)
-        estimate += t.value.size() + 4;
-    packed.reserve(estimate);
+        size += t.value.size() + 6;
+    std::string packed(size, '\0');
+    char* out = packed.data();
     std::string converted;
     for (const TagView& t : tags) {
         std::string_view text = t.value;
-        if (db::kindOfGroupCode(t.code) == db::ValueKind::String && !ctx.strings.isUtf8AsIs(text)) {
+        if (isStringCode(t.code) && !ctx.strings.isUtf8AsIs(text)) {
             converted = ctx.strings.toUtf8(text);
             text = converted;
+            std::size_t used = static_cast<std::size_t>(out - packed.data());
+            if (converted.size() > t.value.size()) {
+                packed.resize(packed.size() + converted.size() - t.value.size());
+                out = packed.data() + used;
+            }
         }
-        char head[6] = {static_cast<char>(t.code & 0xFF), static_cast<char>((t.code >> 8) & 0xFF)};
-        std::size_t n = 2;
+        *out++ = static_cast<char>(t.code & 0xFF);
+        *out++ = static_cast<char>((t.code >> 8) & 0xFF);
         std::size_t rest = text.size();
         do {
             unsigned char b = rest & 0x7F;
             rest >>= 7;
-            head[n++] = static_cast<char>(rest ? b | 0x80 : b);
-        } while (rest && n < sizeof head);
-        packed.append(head, n);
-        packed.append(text);
+            *out++ = static_cast<char>(rest ? b | 0x80 : b);
+        } while (rest);
+        if (!text.empty()) std::memcpy(out, text.data(), text.size());
+        out += text.size();
     }
+    packed.resize(static_cast<std::size_t>(out - packed.data()));
     return packed;
 }
 

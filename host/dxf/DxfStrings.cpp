@@ -1,6 +1,7 @@
 #include "host/dxf/DxfStrings.h"
 
 #include <cstdint>
+#include <cstring>
 
 #include "host/db/TextCodec.h"
 
@@ -127,7 +128,17 @@ std::wstring DxfStrings::toWide(std::string_view bytes) const {
 }
 
 bool DxfStrings::isUtf8AsIs(std::string_view bytes) const {
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+    std::size_t i = 0;
+    // A word at a time while it is ASCII: '\\' (5C) and '^' (5E) differ in one bit only.
+    constexpr std::uint64_t ones = 0x0101010101010101ull, highs = 0x8080808080808080ull;
+    for (; i + 8 <= bytes.size(); i += 8) {
+        std::uint64_t w;
+        std::memcpy(&w, bytes.data() + i, 8);
+        if (w & highs) break;
+        std::uint64_t x = (w | ones * 0x02) ^ (ones * 0x5E);
+        if ((x - ones) & ~x & highs) return false;
+    }
+    for (; i < bytes.size(); ++i) {
         unsigned char c = static_cast<unsigned char>(bytes[i]);
         if (c == '\\' || c == '^') return false;
         if (c >= 0x80) {

@@ -2,6 +2,8 @@
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <system_error>
+#include <thread>
 
 #include "host/arx/dbdict.h"
 #include "host/arx/dbents.h"
@@ -12,6 +14,7 @@
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
 #include "host/dxf/DxfModel.h"
+#include "host/dxf/HandOff.h"
 
 namespace dxf {
 
@@ -53,6 +56,40 @@ std::string describe(const TagView& t) {
     return "\"" + std::to_string(t.code) + " " + value + "\"";
 }
 
+// Whole entities read ahead: their tags one after another, where each object starts
+// among them, and where each entity starts among the objects. An entity is one
+// object, or a POLYLINE or an INSERT with attributes and what follows it to SEQEND.
+struct EntityBatch {
+    std::vector<TagView> tags;
+    std::vector<std::size_t> objects;
+    std::vector<std::size_t> entities;
+    std::uint64_t firstChunk = 0;  // of the reader, where the first tag lies
+    std::uint64_t bytesRead = 0;   // of the file, once the batch was filled
+    bool ended = false;            // by "0 ENDSEC"
+    bool failed = false;           // the reader's error says why
+
+    void clear() {
+        tags.clear();
+        objects.clear();
+        entities.clear();
+        ended = failed = false;
+    }
+    std::span<const TagView> object(std::size_t i) const {
+        std::size_t end = i + 1 < objects.size() ? objects[i + 1] : tags.size();
+        return {tags.data() + objects[i], end - objects[i]};
+    }
+    std::size_t entityEnd(std::size_t e) const {
+        return e + 1 < entities.size() ? entities[e + 1] : objects.size();
+    }
+};
+
+// From this size on, the entities of a drawing are made on a second core while the
+// first reads on: below it a thread costs more than it saves.
+constexpr std::uint64_t kReadAsideFrom = 1 << 20;
+// Tags per batch: enough to make the hand-over rare, few enough to keep little of the
+// file in memory.
+constexpr std::size_t kBatchTags = 1 << 14;
+
 class Loader {
   public:
     Loader(std::istream& in, const std::string& name, AcDbDatabase& database)
@@ -93,9 +130,14 @@ class Loader {
         if (reader_.failed()) return false;
         return fail(reader_.line() + 1, "expected " + expected + ", found the end of the file");
     }
-    // The tags of one object, from its "0 TYPE" to before the next 0.
-    bool collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd);
-    void parse(std::vector<TagView>& tags, ParsedObject& parsed);
+    // The tags of one object, from its "0 TYPE" to before the next 0; collectInto adds
+    // them to what tags holds.
+    bool collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
+        tags.clear();
+        return collectInto(first, tags, sectionEnd);
+    }
+    bool collectInto(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd);
+    void parse(std::span<const TagView> tags, ParsedObject& parsed) const;
 
     bool readHeader();
     bool readKeptSection(const std::string& name);
@@ -108,8 +150,16 @@ class Loader {
     // Makes the object from its tags and places it at its handle.
     AcDbObjectId place(ParsedObject& parsed, bool entity, AcDbObjectId defaultOwner,
                        const Codec* codec);
-    // An entity and, for POLYLINE and INSERT with attributes, what follows it to SEQEND.
+    // An entity and, for POLYLINE and INSERT with attributes, what follows it to SEQEND:
+    // its tags are gathered into a batch, and the batch's entities made into objects.
     bool readEntity(const TagView& first, AcDbObjectId defaultOwner, AcDbObjectId& id);
+    bool gatherEntity(const TagView& first, EntityBatch& batch);
+    AcDbObjectId placeEntity(const EntityBatch& batch, std::size_t entity,
+                             AcDbObjectId defaultOwner);
+    void placeModelSpaceBatch(const EntityBatch& batch);
+    // Reading on a second thread, the gatherer, while this one makes the objects.
+    bool readEntitiesAside(HandOff<EntityBatch>& gatherer);
+    void gatherBatch(EntityBatch& batch);
     void ensureBlockTable();
     void setWellKnown() {
         database_.setWellKnownIds(blockTable_, layerTable_, appTable_, linetypeTable_,
@@ -126,6 +176,11 @@ class Loader {
     bool hasPending_ = false;
     std::vector<TagView> tags_;
     ParsedObject parsed_;
+    EntityBatch entity_;               // readEntity's
+    ParsedObject gathered_;            // gatherEntity's, on the reading thread
+    bool gatherDone_ = false;          // the gatherer met the end of the section or an error
+    std::uint64_t gatheredChunk_ = 0;  // first chunk of the batch filled last
+    ParsedObject placing_, child_;     // placeEntity's, on the thread that makes objects
     std::uint64_t handseed_ = 0;
     std::uint64_t fileSize_ = 0;
     int tilemode_ = 1;
@@ -134,8 +189,7 @@ class Loader {
         paperSpace_;
 };
 
-bool Loader::collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
-    tags.clear();
+bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
     tags.push_back(first);
     // Read straight into the list: a tag copied in from a local is reloaded before its
     // stores have landed, which costs more than the reading itself.
@@ -152,7 +206,7 @@ bool Loader::collect(const TagView& first, std::vector<TagView>& tags, const cha
     return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
 }
 
-void Loader::parse(std::vector<TagView>& tags, ParsedObject& p) {
+void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.type = trimmed(tags[0].value);
     p.line = tags[0].line;
     p.handle = 0;
@@ -410,68 +464,84 @@ void Loader::ensureBlockTable() {
 }
 
 bool Loader::readEntity(const TagView& first, AcDbObjectId defaultOwner, AcDbObjectId& id) {
-    if (!collect(first, tags_, "ENDSEC")) return false;
-    parse(tags_, parsed_);
+    entity_.clear();
+    if (!gatherEntity(first, entity_)) return false;
+    id = placeEntity(entity_, 0, defaultOwner);
+    return true;
+}
+
+bool Loader::gatherEntity(const TagView& first, EntityBatch& batch) {
+    batch.entities.push_back(batch.objects.size());
+    batch.objects.push_back(batch.tags.size());
+    if (!collectInto(first, batch.tags, "ENDSEC")) return false;
+    std::string_view type = trimmed(first.value);  // in the file's memory, which stays
+    bool withChildren = type == "POLYLINE";
+    if (type == "INSERT") {
+        parse(batch.object(batch.objects.size() - 1), gathered_);
+        for (const TagView& t : gathered_.body) {
+            std::int64_t follow = 0;
+            if (t.code == 66 && parseInt(t.value, follow) && follow == 1) withChildren = true;
+        }
+    }
+    if (!withChildren) return true;
+    TagView t;
+    for (;;) {
+        if (!next(t)) return failAtEnd("\"0 SEQEND\"");
+        std::string_view childType = trimmed(t.value);
+        if (t.code != 0 ||
+            (childType != "VERTEX" && childType != "ATTRIB" && childType != "SEQEND")) {
+            return fail(t.line, "expected \"0 SEQEND\" after the " + std::string(type) +
+                                    ", found " + describe(t));
+        }
+        batch.objects.push_back(batch.tags.size());
+        if (!collectInto(t, batch.tags, "SEQEND")) return false;
+        if (childType == "SEQEND") return true;
+    }
+}
+
+AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
+                                 AcDbObjectId defaultOwner) {
+    std::size_t first = batch.entities[entity], end = batch.entityEnd(entity);
+    ParsedObject& parsed = placing_;
+    parse(batch.object(first), parsed);
     // R12 files give the space by the 67 flag, later ones by the owner.
-    if (!parsed_.hasOwner && defaultOwner == modelSpace_) {
-        for (const TagView& b : parsed_.body) {
+    if (!parsed.hasOwner && defaultOwner == modelSpace_) {
+        for (const TagView& b : parsed.body) {
             if (b.code == 67 && trimmed(b.value) == "1") defaultOwner = paperSpace_;
         }
     }
     // An entity belongs to a block; an owner that is none (a damaged file) is ignored.
-    if (parsed_.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed_.owner))) {
-        parsed_.hasOwner = false;
+    if (parsed.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed.owner))) {
+        parsed.hasOwner = false;
     }
-    const Codec* codec = entityCodec(parsed_.type);
-    bool withChildren = false;
-    if (parsed_.type == "POLYLINE") {
-        withChildren = true;
-        for (const TagView& t : parsed_.body) {
+    const Codec* codec = entityCodec(parsed.type);
+    if (parsed.type == "POLYLINE") {
+        for (const TagView& t : parsed.body) {
             std::int64_t flags = 0;
             if (t.code == 70 && parseInt(t.value, flags) && (flags & (8 | 16 | 64))) {
                 codec = nullptr;  // 3D polylines and meshes are kept as read
             }
         }
-    } else if (parsed_.type == "INSERT") {
-        for (const TagView& t : parsed_.body) {
-            std::int64_t follow = 0;
-            if (t.code == 66 && parseInt(t.value, follow) && follow == 1) withChildren = true;
-        }
     }
-    if (!withChildren) {
-        id = place(parsed_, true, defaultOwner, codec);
-        return true;
+    if (end - first == 1) return place(parsed, true, defaultOwner, codec);
+    // The parent is placed after its children, which name it as their owner.
+    if (parsed.handle == 0 || arx::peekObject(ctx_.idOf(parsed.handle)) != nullptr) {
+        parsed.handle = database_.handseed().value();  // free, so the children can name it
     }
-    // The parent is placed after its children, which name it as their owner; its tags
-    // stay valid as nothing is released until the whole group is read.
-    ParsedObject parent = parsed_;
-    if (parent.handle == 0 || arx::peekObject(ctx_.idOf(parent.handle)) != nullptr) {
-        parent.handle = database_.handseed().value();  // free, so the children can name it
-    }
-    AcDbObjectId parentId = ctx_.idOf(parent.handle);
+    AcDbObjectId parentId = ctx_.idOf(parsed.handle);
     std::vector<AcDbObjectId> children;
     AcDbObjectId seqend;
-    TagView t;
-    for (;;) {
-        if (!next(t)) return failAtEnd("\"0 SEQEND\"");
-        std::string_view type = trimmed(t.value);
-        if (t.code != 0 || (type != "VERTEX" && type != "ATTRIB" && type != "SEQEND")) {
-            return fail(t.line, "expected \"0 SEQEND\" after the " + std::string(parent.type) +
-                                    ", found " + describe(t));
-        }
-        std::vector<TagView> childTags;
-        if (!collect(t, childTags, "SEQEND")) return false;
-        ParsedObject child;
-        parse(childTags, child);
-        const Codec* childCodec = codec ? entityCodec(child.type) : nullptr;
-        AcDbObjectId childId = place(child, true, parentId, childCodec);
-        if (type == "SEQEND") {
+    for (std::size_t o = first + 1; o < end; ++o) {
+        parse(batch.object(o), child_);
+        const Codec* childCodec = codec ? entityCodec(child_.type) : nullptr;
+        AcDbObjectId childId = place(child_, true, parentId, childCodec);
+        if (o + 1 == end) {
             seqend = childId;
-            break;
+        } else {
+            children.push_back(childId);
         }
-        children.push_back(childId);
     }
-    id = place(parent, true, defaultOwner, codec);
+    AcDbObjectId id = place(parsed, true, defaultOwner, codec);
     if (codec == nullptr) {
         ObjectRecord& kept = file_->records[id.stub()];
         kept.children = children;
@@ -479,7 +549,7 @@ bool Loader::readEntity(const TagView& first, AcDbObjectId defaultOwner, AcDbObj
     } else if (auto* pline = arx::peek<AcDb2dPolyline>(id)) {
         pline->restoreVertices(children, seqend);
     }
-    return true;
+    return id;
 }
 
 bool Loader::readBlocks() {
@@ -541,8 +611,85 @@ bool Loader::readBlocks() {
     return failAtEnd("\"0 ENDSEC\"");
 }
 
+void Loader::placeModelSpaceBatch(const EntityBatch& batch) {
+    for (std::size_t e = 0; e < batch.entities.size(); ++e) {
+        AcDbObjectId id = placeEntity(batch, e, modelSpace_);
+        arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId())->restoreEntity(id);
+        file_->entities.push_back(id);
+    }
+}
+
+void Loader::gatherBatch(EntityBatch& batch) {
+    batch.clear();
+    if (gatherDone_) return;
+    // The batch filled before this one is being placed; those before it are done with.
+    reader_.releaseBefore(gatheredChunk_);
+    TagView t;
+    bool first = true;
+    while (batch.tags.size() < kBatchTags) {
+        if (!next(t)) {
+            failAtEnd("\"0 ENDSEC\"");
+            batch.failed = true;
+            break;
+        }
+        if (is(t, 0, "ENDSEC")) {
+            batch.ended = true;
+            break;
+        }
+        if (t.code != 0 || isStructural(t)) {
+            fail(t.line, "expected an entity or \"0 ENDSEC\", found " + describe(t));
+            batch.failed = true;
+            break;
+        }
+        if (first) batch.firstChunk = reader_.chunkSerial();
+        first = false;
+        if (!gatherEntity(t, batch)) {
+            batch.failed = true;
+            break;
+        }
+    }
+    gatherDone_ = batch.ended || batch.failed;
+    gatheredChunk_ = batch.firstChunk;
+    batch.bytesRead = reader_.bytesRead();
+}
+
+bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
+    // The gatherer fills one batch while this thread places the one before; objects are
+    // made here, where the rest of the drawing's memory comes from. Until the section
+    // ends only the gatherer touches the reader, and reports progress through here.
+    auto progress = reader_.takeOnChunk();
+    gatherer.submit(EntityBatch());
+    EntityBatch free;
+    for (;;) {
+        EntityBatch filled = gatherer.submit(std::move(free));
+        if (filled.failed) {
+            gatherer.wait();
+            return false;
+        }
+        if (progress) progress(filled.bytesRead);
+        placeModelSpaceBatch(filled);
+        if (filled.ended) {
+            gatherer.wait();
+            reader_.onChunk(std::move(progress));
+            return true;
+        }
+        free = std::move(filled);
+    }
+}
+
 bool Loader::readEntities() {
     ensureBlockTable();
+    if (fileSize_ >= kReadAsideFrom && !reader_.isBinary() &&
+        std::thread::hardware_concurrency() > 1) {
+        std::unique_ptr<HandOff<EntityBatch>> gatherer;
+        try {
+            gatherer = std::make_unique<HandOff<EntityBatch>>(
+                [this](EntityBatch& batch) { gatherBatch(batch); });
+        } catch (const std::system_error&) {
+            // No thread to be had: read on this one.
+        }
+        if (gatherer) return readEntitiesAside(*gatherer);
+    }
     TagView t;
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;

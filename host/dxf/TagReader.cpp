@@ -12,6 +12,20 @@ namespace dxf {
 namespace {
 
 constexpr std::size_t kChunkSize = 1 << 20;
+
+// Released chunks are kept for reuse, as fresh memory costs page faults; under the
+// address sanitizer they are freed, so that a value used after its release is caught.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kReuseChunks = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kReuseChunks = false;
+#else
+constexpr bool kReuseChunks = true;
+#endif
+#else
+constexpr bool kReuseChunks = true;
+#endif
 constexpr char kBinarySentinel[] = "AutoCAD Binary DXF\r\n\x1a";  // and a NUL: 22 bytes
 
 std::string_view trim(std::string_view s) {
@@ -79,6 +93,7 @@ bool TagReader::refill() {
         return false;
     }
     chunk.size = carried + got;
+    chunk.serial = ++serial_;
     chunks_.push_back(std::move(chunk));
     pos_ = 0;
     bytesRead_ += got;
@@ -89,10 +104,19 @@ bool TagReader::refill() {
 void TagReader::release() {
     // The last tag read stays valid: a caller may hold it as the start of the next object.
     while (chunks_.size() > 1) {
-        spare_.push_back(std::move(chunks_.front()));
+        if (kReuseChunks) spare_.push_back(std::move(chunks_.front()));
         chunks_.erase(chunks_.begin());
     }
     if (text_.size() > 1) text_.erase(text_.begin(), text_.end() - 1);
+}
+
+void TagReader::releaseBefore(std::uint64_t serial) {
+    std::size_t drop = 0;
+    while (drop + 1 < chunks_.size() && chunks_[drop].serial < serial)
+        ++drop;
+    for (std::size_t i = 0; i < drop; ++i)
+        if (kReuseChunks) spare_.push_back(std::move(chunks_[i]));
+    chunks_.erase(chunks_.begin(), chunks_.begin() + static_cast<std::ptrdiff_t>(drop));
 }
 
 bool TagReader::readLine(std::string_view& text) {

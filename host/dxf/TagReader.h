@@ -2,6 +2,7 @@
 // The lowest layer of DXF reading: a stream of (group code, value) tags. ASCII files
 // are read in chunks, so a drawing of any size costs a few megabytes here; binary
 // files are recognised by their sentinel and read the same way.
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace dxf {
@@ -52,9 +54,9 @@ class TagReader {
             if (p > digits && p < end && *p == '\r') ++p;
             if (p > digits && p < end && *p == '\n') {
                 const char* value = p + 1;
-                const void* nl = std::memchr(value, '\n', static_cast<std::size_t>(end - value));
-                const char* valueEnd = static_cast<const char*>(nl);
-                if (nl != nullptr && static_cast<std::size_t>(valueEnd - value) <= kMaxLineLength) {
+                const char* valueEnd = findLineEnd(value, end);
+                if (valueEnd != nullptr &&
+                    static_cast<std::size_t>(valueEnd - value) <= kMaxLineLength) {
                     pos_ = static_cast<std::size_t>(valueEnd + 1 - base);
                     if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
                     tag.code = code;
@@ -69,6 +71,10 @@ class TagReader {
     }
     // Values handed out so far may be dropped; call between objects.
     void release();
+    // For a caller that holds values longer: the chunk the last value read lies in,
+    // and the release of the chunks before a given one.
+    std::uint64_t chunkSerial() const { return chunks_.empty() ? serial_ : chunks_.back().serial; }
+    void releaseBefore(std::uint64_t serial);
 
     bool failed() const { return !error_.empty(); }
     const std::string& error() const { return error_; }
@@ -80,11 +86,30 @@ class TagReader {
     // Called after each chunk read from the stream with the bytes read so far, for a
     // progress bar.
     void onChunk(std::function<void(std::uint64_t)> callback) { onChunk_ = std::move(callback); }
+    std::function<void(std::uint64_t)> takeOnChunk() { return std::exchange(onChunk_, nullptr); }
+    std::uint64_t bytesRead() const { return bytesRead_; }
 
   private:
+    // The '\n' at or after p, or null. Most values are a few characters long: looked
+    // for a word at a time before memchr, whose setup costs more than such a line.
+    static const char* findLineEnd(const char* p, const char* end) {
+        if constexpr (std::endian::native == std::endian::little) {
+            constexpr std::uint64_t ones = 0x0101010101010101ull, highs = 0x8080808080808080ull;
+            for (int words = 0; words < 4 && end - p >= 8; ++words, p += 8) {
+                std::uint64_t w;
+                std::memcpy(&w, p, 8);
+                w ^= ones * '\n';
+                // The lowest flagged byte is the first zero byte, i.e. the first '\n'.
+                if (std::uint64_t zero = (w - ones) & ~w & highs)
+                    return p + (std::countr_zero(zero) >> 3);
+            }
+        }
+        return static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+    }
     struct Chunk {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;
+        std::uint64_t serial = 0;
     };
     bool nextSlow(TagView& tag);
     bool readLine(std::string_view& text);
@@ -107,6 +132,7 @@ class TagReader {
     bool wideCodes_ = true;         // binary: 2-byte group codes (R13 on)
     std::deque<std::string> text_;  // binary: values made text, until release()
     std::uint64_t bytesRead_ = 0;
+    std::uint64_t serial_ = 0;  // of the last chunk made
     std::function<void(std::uint64_t)> onChunk_;
 };
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, then builds and tests kplan twice: an optimised build with
-# warnings as errors, and a debug build under AddressSanitizer and UBSan.
+# Installs what is missing, then builds and tests kplan: an optimised build with
+# warnings as errors, a debug build under AddressSanitizer and UBSan, the threaded parts
+# under ThreadSanitizer, and the DXF reader under the fuzzer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -14,6 +15,16 @@ build() {
 }
 build build/release -DCMAKE_BUILD_TYPE=Release -DKPLAN_WERROR=ON
 build build/asan -DCMAKE_BUILD_TYPE=Debug -DKPLAN_SANITIZE=ON
+
+# What runs on two threads (reading a large drawing, clipping parcels) under
+# ThreadSanitizer, which fails a test binary that races.
+tsan=build/tsan
+cmake -S . -B "$tsan" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKPLAN_BENCH=OFF \
+    -DCMAKE_CXX_FLAGS=-fsanitize=thread -DCMAKE_EXE_LINKER_FLAGS=-fsanitize=thread >/dev/null
+cmake --build "$tsan" -j "$jobs" --target host_dxf_tests stats_tests
+for tests in host_dxf_tests stats_tests; do
+    (cd "$tsan/tests" && "./$tests" --gtest_brief=1)
+done
 
 # The DXF reader under libFuzzer (clang, with the sanitizers) for a minute, from the
 # drawings of the tests; a crash, leak or sanitizer report fails, and the input is kept.

@@ -658,20 +658,20 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
     // made here, where the rest of the drawing's memory comes from. Until the section
     // ends only the gatherer touches the reader, and reports progress through here.
     auto progress = reader_.takeOnChunk();
+    gatherDone_ = false;  // a file may have a second ENTITIES section
+    gatheredChunk_ = 0;
     gatherer.submit(EntityBatch());
     EntityBatch free;
     for (;;) {
         EntityBatch filled = gatherer.submit(std::move(free));
-        if (filled.failed) {
-            gatherer.wait();
-            return false;
+        if (!filled.failed) {
+            if (progress) progress(filled.bytesRead);
+            placeModelSpaceBatch(filled);
         }
-        if (progress) progress(filled.bytesRead);
-        placeModelSpaceBatch(filled);
-        if (filled.ended) {
-            gatherer.wait();
+        if (filled.failed || filled.ended) {
+            gatherer.wait();  // then the reader is this thread's again
             reader_.onChunk(std::move(progress));
-            return true;
+            return !filled.failed;
         }
         free = std::move(filled);
     }

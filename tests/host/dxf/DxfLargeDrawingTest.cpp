@@ -23,7 +23,7 @@ void tag(std::string& out, int code, const std::string& value) {
 // a 2D polyline with its vertices, a block reference with attributes, an entity of
 // paper space and one the reader does not know. Megabytes, so that groups
 // fall across batches and across the reader's chunks.
-std::string largeDrawing(int groups, const std::string& brokenAt = "") {
+std::string largeDrawing(int groups, const std::string& brokenAt = "", int sectionAgainAt = -1) {
     std::string s;
     tag(s, 0, "SECTION");
     tag(s, 2, "HEADER");
@@ -35,6 +35,11 @@ std::string largeDrawing(int groups, const std::string& brokenAt = "") {
     for (int i = 0; i < groups; ++i) {
         std::string n = std::to_string(i);
         if (std::to_string(i) == brokenAt) s += "ten\n1.0\n";
+        if (i == sectionAgainAt) {
+            tag(s, 0, "ENDSEC");
+            tag(s, 0, "SECTION");
+            tag(s, 2, "ENTITIES");
+        }
         tag(s, 0, "LWPOLYLINE");
         tag(s, 8, "GH-R2");
         tag(s, 90, "4");
@@ -97,28 +102,37 @@ std::string withoutName(const std::string& error) {
 
 TEST(DxfLargeDrawingTest, ReadingOnTwoThreadsGivesTheSameDrawing) {
     const int groups = 4000;
-    std::string text = largeDrawing(groups);
-    ASSERT_GT(text.size(), 2u << 20) << "beyond two of the reader's chunks";
-    std::string path = dxftest::makeTempFolder() + "/large.dxf";
-    dxftest::writeFile(path, text);
+    struct Case {
+        const char* what;
+        std::string text;
+    } cases[] = {
+        {"one ENTITIES section", largeDrawing(groups)},
+        {"the entities in two sections", largeDrawing(groups, "", groups / 2)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ASSERT_GT(c.text.size(), 2u << 20) << "beyond two of the reader's chunks";
+        std::string path = dxftest::makeTempFolder() + "/large.dxf";
+        dxftest::writeFile(path, c.text);
 
-    std::string error;
-    auto aside = dxf::load(path, error);  // a file this size is read on two threads
-    ASSERT_TRUE(aside) << error;
-    auto here = dxftest::loadText(text, error);  // a stream is read on one
-    ASSERT_TRUE(here) << error;
-    EXPECT_EQ(dxftest::saveText(*aside), dxftest::saveText(*here));
+        std::string error;
+        auto aside = dxf::load(path, error);  // a file this size is read on two threads
+        ASSERT_TRUE(aside) << error;
+        auto here = dxftest::loadText(c.text, error);  // a stream is read on one
+        ASSERT_TRUE(here) << error;
+        EXPECT_EQ(dxftest::saveText(*aside), dxftest::saveText(*here));
 
-    AcDbBlockTableRecord* model = nullptr;
-    ASSERT_EQ(acdbOpenObject(model, aside->currentSpaceId(), AcDb::kForRead), Acad::eOk);
-    int entities = 0;
-    AcDbBlockTableRecordIterator* it = nullptr;
-    model->newIterator(it);
-    for (; !it->done(); it->step())
-        ++entities;
-    delete it;
-    model->close();
-    EXPECT_EQ(entities, groups * 4) << "the lines are in paper space";
+        AcDbBlockTableRecord* model = nullptr;
+        ASSERT_EQ(acdbOpenObject(model, aside->currentSpaceId(), AcDb::kForRead), Acad::eOk);
+        int entities = 0;
+        AcDbBlockTableRecordIterator* it = nullptr;
+        model->newIterator(it);
+        for (; !it->done(); it->step())
+            ++entities;
+        delete it;
+        model->close();
+        EXPECT_EQ(entities, groups * 4) << "the lines are in paper space";
+    }
 }
 
 // The line at which a text first has the given one.

@@ -1,5 +1,5 @@
-// The DXF reader under arbitrary input: it must fail cleanly or read a drawing, and a
-// drawing it read must write and read back.
+// The DXF reader under arbitrary input: it must fail cleanly or read a drawing, the
+// same on one thread as on two, and a drawing it read must write and read back.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -9,20 +9,40 @@
 
 #include "host/dxf/Dxf.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
+namespace {
+
+// Reads the input; the written drawing, or empty with the error set.
+std::string readAndWrite(const std::string& input, int threads, std::string& error) {
+    std::istringstream in(input);
     AcDbDatabase database(false);
-    std::string error;
-    if (!dxf::read(in, database, error, "fuzz.dxf")) {
+    if (!dxf::read(in, database, error, "fuzz.dxf", {.threads = threads})) {
         if (error.empty()) std::abort();  // a failure always says why
-        return 0;
+        return "";
     }
     std::ostringstream out;
     if (!dxf::write(database, out, error)) {
         std::fprintf(stderr, "a drawing that was read cannot be written: %s\n", error.c_str());
         std::abort();
     }
-    std::istringstream again(out.str());
+    return out.str();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string input(reinterpret_cast<const char*>(data), size);
+    std::string error;
+    std::string written = readAndWrite(input, 1, error);
+    // The entities made on a second thread give the same drawing, or the same error.
+    std::string asideError;
+    std::string aside = readAndWrite(input, 2, asideError);
+    if (aside != written || asideError != error) {
+        std::fprintf(stderr, "two threads read otherwise than one: %s | %s\n", error.c_str(),
+                     asideError.c_str());
+        std::abort();
+    }
+    if (written.empty()) return 0;
+    std::istringstream again(written);
     AcDbDatabase reread(false);
     if (!dxf::read(again, reread, error, "written.dxf")) {
         std::fprintf(stderr, "the written drawing does not read back: %s\n", error.c_str());

@@ -84,7 +84,8 @@ struct EntityBatch {
 };
 
 // From this size on, the entities of a drawing are made on a second core while the
-// first reads on: below it a thread costs more than it saves.
+// first reads on, unless the caller says otherwise: below it a thread costs more than
+// it saves.
 constexpr std::uint64_t kReadAsideFrom = 1 << 20;
 // Tags per batch: enough to make the hand-over rare, few enough to keep little of the
 // file in memory.
@@ -108,6 +109,7 @@ class Loader {
     TagReader& reader() { return reader_; }
     // The size of the file, when known: with $HANDSEED it sizes the handle index.
     void setFileSize(std::uint64_t bytes) { fileSize_ = bytes; }
+    void setThreads(int threads) { threads_ = threads; }
 
   private:
     bool next(TagView& t) {
@@ -183,6 +185,7 @@ class Loader {
     ParsedObject placing_, child_;     // placeEntity's, on the thread that makes objects
     std::uint64_t handseed_ = 0;
     std::uint64_t fileSize_ = 0;
+    int threads_ = 0;  // as ReadOptions::threads
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
@@ -679,8 +682,11 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
 
 bool Loader::readEntities() {
     ensureBlockTable();
-    if (fileSize_ >= kReadAsideFrom && !reader_.isBinary() &&
-        std::thread::hardware_concurrency() > 1) {
+    bool aside = threads_ == 0
+                     ? fileSize_ >= kReadAsideFrom && std::thread::hardware_concurrency() > 1
+                     : threads_ > 1;
+    // Binary values are made text in storage released as a whole: one thread only.
+    if (aside && !reader_.isBinary()) {
         std::unique_ptr<HandOff<EntityBatch>> gatherer;
         try {
             gatherer = std::make_unique<HandOff<EntityBatch>>(
@@ -806,7 +812,7 @@ namespace {
 
 // Reads with the loader; fileSize non-zero shows the progress bar in megabytes.
 bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
-              std::uint64_t fileSize) {
+              std::uint64_t fileSize, const ReadOptions& options) {
     constexpr std::uint64_t kStep = 1 << 20;
     struct Bar {
         bool shown = false;
@@ -817,6 +823,7 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
     try {
         Loader loader(in, name, database);
         loader.setFileSize(fileSize);
+        loader.setThreads(options.threads);
         if (fileSize > 0) {
             std::wstring message = L"读取 " + db::utf8ToWide(name);
             db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));
@@ -838,13 +845,36 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
     return false;
 }
 
-}  // namespace
-
-bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name) {
-    return readWith(in, database, error, name, 0);
+// What is left of a stream that can tell, else 0.
+std::uint64_t sizeLeft(std::istream& in) {
+    std::istream::pos_type at = in.tellg();
+    if (at == std::istream::pos_type(-1)) return 0;
+    in.seekg(0, std::ios::end);
+    std::istream::pos_type end = in.tellg();
+    in.seekg(at);
+    if (!in || end == std::istream::pos_type(-1) || end < at) {
+        in.clear();
+        in.seekg(at);
+        return 0;
+    }
+    return static_cast<std::uint64_t>(end - at);
 }
 
-bool load(const std::string& path, AcDbDatabase& database, std::string& error) {
+}  // namespace
+
+bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
+          const ReadOptions& options) {
+    // The size sizes the handle index and decides on threads; no progress for a stream.
+    ReadOptions decided = options;
+    std::uint64_t size = sizeLeft(in);
+    if (decided.threads == 0) {
+        decided.threads = size >= kReadAsideFrom && std::thread::hardware_concurrency() > 1 ? 2 : 1;
+    }
+    return readWith(in, database, error, name, 0, decided);
+}
+
+bool load(const std::string& path, AcDbDatabase& database, std::string& error,
+          const ReadOptions& options) {
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         error = path + ": cannot open the file";
@@ -852,12 +882,13 @@ bool load(const std::string& path, AcDbDatabase& database, std::string& error) {
     }
     std::error_code ec;
     std::uint64_t size = std::filesystem::file_size(path, ec);
-    return readWith(in, database, error, path, ec ? 0 : size);
+    return readWith(in, database, error, path, ec ? 0 : size, options);
 }
 
-std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error) {
+std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,
+                                   const ReadOptions& options) {
     auto database = std::make_unique<AcDbDatabase>(false);
-    if (!load(path, *database, error)) return nullptr;
+    if (!load(path, *database, error, options)) return nullptr;
     return database;
 }
 

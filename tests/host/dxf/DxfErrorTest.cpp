@@ -64,12 +64,15 @@ TEST(DxfErrorTest, BrokenFilesGiveOneErrorWithLineAndExpectation) {
          "test.dxf: byte 22: unterminated string of group code 0"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        std::string error;
-        auto database = dxftest::loadText(c.text, error);
-        EXPECT_EQ(database, nullptr);
-        EXPECT_NE(error.find(c.expected), std::string::npos) << error;
-        EXPECT_EQ(error.find('\n'), std::string::npos) << "one line: " << error;
+        // Read on one thread, and with the entities on a second.
+        for (int threads : {1, 2}) {
+            SCOPED_TRACE(std::string(c.what) + ", threads " + std::to_string(threads));
+            std::string error;
+            auto database = dxftest::loadText(c.text, error, {.threads = threads});
+            EXPECT_EQ(database, nullptr);
+            EXPECT_NE(error.find(c.expected), std::string::npos) << error;
+            EXPECT_EQ(error.find('\n'), std::string::npos) << "one line: " << error;
+        }
     }
 }
 

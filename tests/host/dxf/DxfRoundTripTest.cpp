@@ -48,6 +48,9 @@ TEST_P(DxfRoundTripTest, SavingKeepsEveryTag) {
     auto first = dxftest::loadText(original, error);
     ASSERT_TRUE(first) << error;
     std::string saved = dxftest::saveText(*first);
+    auto twoThreads = dxftest::loadText(original, error, {.threads = 2});
+    ASSERT_TRUE(twoThreads) << error;
+    EXPECT_EQ(dxftest::saveText(*twoThreads), saved) << "the entities made on a second thread";
     if (d.sameTags) {
         EXPECT_EQ(dxftest::firstDifference(normalizedTags(original), normalizedTags(saved)), "");
     }

@@ -51,10 +51,11 @@ void writeFile(const std::string& path, const std::string& bytes) {
     out << bytes;
 }
 
-std::unique_ptr<AcDbDatabase> loadText(const std::string& text, std::string& error) {
+std::unique_ptr<AcDbDatabase> loadText(const std::string& text, std::string& error,
+                                       const dxf::ReadOptions& options) {
     auto database = std::make_unique<AcDbDatabase>(false);
     std::istringstream in(text);
-    if (!dxf::read(in, *database, error, "test.dxf")) return nullptr;
+    if (!dxf::read(in, *database, error, "test.dxf", options)) return nullptr;
     return database;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "host/dxf/Dxf.h"
 
 namespace dxftest {
 
@@ -17,7 +18,8 @@ std::string makeTempFolder();
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 
-std::unique_ptr<AcDbDatabase> loadText(const std::string& text, std::string& error);
+std::unique_ptr<AcDbDatabase> loadText(const std::string& text, std::string& error,
+                                       const dxf::ReadOptions& options = {});
 std::string saveText(const AcDbDatabase& database, const std::string& version = "");
 
 // The tags of a file with strings decoded (by the file's version and code page),

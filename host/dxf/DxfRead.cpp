@@ -185,7 +185,7 @@ class Loader {
     ParsedObject placing_, child_;     // placeEntity's, on the thread that makes objects
     std::uint64_t handseed_ = 0;
     std::uint64_t fileSize_ = 0;
-    int threads_ = 0;  // as ReadOptions::threads
+    int threads_ = 1;  // that read the entities
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
@@ -661,8 +661,6 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
     // made here, where the rest of the drawing's memory comes from. Until the section
     // ends only the gatherer touches the reader, and reports progress through here.
     auto progress = reader_.takeOnChunk();
-    gatherDone_ = false;  // a file may have a second ENTITIES section
-    gatheredChunk_ = 0;
     gatherer.submit(EntityBatch());
     EntityBatch free;
     for (;;) {
@@ -682,11 +680,10 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
 
 bool Loader::readEntities() {
     ensureBlockTable();
-    bool aside = threads_ == 0
-                     ? fileSize_ >= kReadAsideFrom && std::thread::hardware_concurrency() > 1
-                     : threads_ > 1;
+    gatherDone_ = false;  // a file may have a second ENTITIES section
+    gatheredChunk_ = 0;
     // Binary values are made text in storage released as a whole: one thread only.
-    if (aside && !reader_.isBinary()) {
+    if (threads_ > 1 && !reader_.isBinary()) {
         std::unique_ptr<HandOff<EntityBatch>> gatherer;
         try {
             gatherer = std::make_unique<HandOff<EntityBatch>>(
@@ -696,20 +693,13 @@ bool Loader::readEntities() {
         }
         if (gatherer) return readEntitiesAside(*gatherer);
     }
-    TagView t;
-    while (next(t)) {
-        if (is(t, 0, "ENDSEC")) return true;
-        if (t.code != 0 || isStructural(t)) {
-            return fail(t.line, "expected an entity or \"0 ENDSEC\", found " + describe(t));
-        }
-        AcDbObjectId id;
-        if (!readEntity(t, modelSpace_, id)) return false;
-        auto* owner = arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId());
-        owner->restoreEntity(id);
-        file_->entities.push_back(id);
+    // On one thread, each batch is placed before the next is read.
+    for (;;) {
+        gatherBatch(entity_);
+        if (!entity_.failed) placeModelSpaceBatch(entity_);
+        if (entity_.failed || entity_.ended) return !entity_.failed;
         reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
 }
 
 bool Loader::readObjects() {
@@ -810,9 +800,10 @@ bool Loader::run() {
 
 namespace {
 
-// Reads with the loader; fileSize non-zero shows the progress bar in megabytes.
+// Reads with the loader; fileSize non-zero shows the progress bar in megabytes and sizes
+// the handle index.
 bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
-              std::uint64_t fileSize, const ReadOptions& options) {
+              std::uint64_t fileSize, int threads) {
     constexpr std::uint64_t kStep = 1 << 20;
     struct Bar {
         bool shown = false;
@@ -823,7 +814,7 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
     try {
         Loader loader(in, name, database);
         loader.setFileSize(fileSize);
-        loader.setThreads(options.threads);
+        loader.setThreads(threads);
         if (fileSize > 0) {
             std::wstring message = L"读取 " + db::utf8ToWide(name);
             db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));
@@ -845,6 +836,12 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
     return false;
 }
 
+// The threads that read a drawing of this size (0: unknown).
+int threadsFor(const ReadOptions& options, std::uint64_t size) {
+    if (options.threads > 0) return options.threads;
+    return size >= kReadAsideFrom && std::thread::hardware_concurrency() > 1 ? 2 : 1;
+}
+
 // What is left of a stream that can tell, else 0.
 std::uint64_t sizeLeft(std::istream& in) {
     std::istream::pos_type at = in.tellg();
@@ -864,13 +861,8 @@ std::uint64_t sizeLeft(std::istream& in) {
 
 bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
           const ReadOptions& options) {
-    // The size sizes the handle index and decides on threads; no progress for a stream.
-    ReadOptions decided = options;
-    std::uint64_t size = sizeLeft(in);
-    if (decided.threads == 0) {
-        decided.threads = size >= kReadAsideFrom && std::thread::hardware_concurrency() > 1 ? 2 : 1;
-    }
-    return readWith(in, database, error, name, 0, decided);
+    // No progress bar for a stream.
+    return readWith(in, database, error, name, 0, threadsFor(options, sizeLeft(in)));
 }
 
 bool load(const std::string& path, AcDbDatabase& database, std::string& error,
@@ -882,7 +874,8 @@ bool load(const std::string& path, AcDbDatabase& database, std::string& error,
     }
     std::error_code ec;
     std::uint64_t size = std::filesystem::file_size(path, ec);
-    return readWith(in, database, error, path, ec ? 0 : size, options);
+    if (ec) size = 0;
+    return readWith(in, database, error, path, size, threadsFor(options, size));
 }
 
 std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,

@@ -182,32 +182,11 @@ bool TagReader::nextSlow(TagView& tag) {
     if (binary_) return nextBinary(tag);
     inPlace_ = !chunks_.empty();
     std::string_view codeText;
-    // The usual code line, "  0" to "1071" and its line end, is read in place; anything
-    // else (a line across chunks, padding, an error) by the general way.
-    if (!chunks_.empty()) {
-        const Chunk& c = chunks_.back();
-        const char* p = c.data.get() + pos_;
-        const char* end = c.data.get() + c.size;
-        const char* q = p;
-        while (q < end && *q == ' ')
-            ++q;
-        int value = 0;
-        const char* digits = q;
-        while (q < end && q - digits < 6 && static_cast<unsigned>(*q - '0') < 10)
-            value = value * 10 + (*q++ - '0');
-        if (q > digits && q < end && (*q == '\n' || (*q == '\r' && q + 1 < end && q[1] == '\n'))) {
-            q += *q == '\r' ? 2 : 1;
-            pos_ = static_cast<std::size_t>(q - c.data.get());
-            ++line_;
-            tag.line = line_;
-            tag.code = value;
-            return readValue(tag);
-        }
-    }
+    // What next() could not split in place: a tag across chunks, padding, an error.
     if (!readLine(codeText)) return false;
     tag.line = line_;
     std::string_view code = trim(codeText);
-    // Group codes are short: read by hand, as this runs for every tag of a drawing.
+    // Group codes are short: read by hand.
     int value = 0;
     bool negative = !code.empty() && code.front() == '-';
     std::size_t digits = negative ? 1 : 0;

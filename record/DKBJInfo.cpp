@@ -12,6 +12,7 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/DKScan.h"
+#include "record/LabelList.h"
 
 namespace {
 
@@ -82,34 +83,11 @@ int CDKBJInfo::IsXZDkbj() const {
 }
 
 int CDKBJInfo::read(const wchar_t* app, const wchar_t* label, CString& value) const {
-    if (!live(m_id) || label == nullptr) return 0;
-    resbuf* list = nullptr;
-    if (!kova::dat::ReadObjXdata(m_id, app, list)) return 0;
-    int found = kova::dat::GetRbString(list, label, value);
-    acutRelRb(list);
-    return found;
+    return dk::ReadListValue(m_id, app, label, value);
 }
 
 int CDKBJInfo::write(const wchar_t* app, const wchar_t* label, const wchar_t* value) {
-    if (!live(m_id) || label == nullptr || *label == 0) return 0;
-    if (value == nullptr) value = L"";
-    resbuf* list = nullptr;
-    int ok = 0;
-    if (kova::dat::ReadObjXdata(m_id, app, list)) {
-        if (kova::dat::SetRbString(list, label, value)) {
-            ok = kova::dat::AddObjXdata(m_id, app, list);
-        } else {
-            resbuf* pair = acutBuildList(1000, label, 1000, value, 0);
-            ok = kova::dat::PasteObjXdata(m_id, app, pair);
-            acutRelRb(pair);
-        }
-    } else {
-        resbuf* pair = acutBuildList(1000, label, 1000, value, 0);
-        ok = kova::dat::AddObjXdata(m_id, app, pair);
-        acutRelRb(pair);
-    }
-    acutRelRb(list);
-    return ok;
+    return dk::WriteListValue(m_id, app, label, value);
 }
 
 int CDKBJInfo::GetData(const wchar_t* label, CString& value) const {

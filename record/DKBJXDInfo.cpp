@@ -11,6 +11,7 @@
 #include "record/DKBJInfo.h"
 #include "record/DKKeys.h"
 #include "record/DKScan.h"
+#include "record/LabelList.h"
 #include "record/XDataAccess.h"
 #include "standard/KovaAttribSet.h"
 
@@ -169,17 +170,9 @@ int CDKBJXDInfo::GetData(CStringArray& keys, CStringArray& values, CStringArray&
     if (keys.IsEmpty()) {
         if (generation != 1)
             return ARX_DATA::CFGisXData::GetAllXDatas(m_id, appNames, keys, values);
-        resbuf* list = nullptr;
-        kova::dat::ReadObjXdata(m_id, dk::APP_DKBJ, list);
-        bool label = true;
-        for (resbuf* rb = list; rb != nullptr; rb = rb->rbnext) {
-            if (rb->restype != 1000) continue;
-            (label ? keys : values).Add(rb->resval.rstring);
-            if (label) appNames.Add(dk::APP_DKBJ);
-            label = !label;
-        }
-        acutRelRb(list);
-        if (values.GetSize() < keys.GetSize()) values.Add(L"");
+        dk::ReadListPairs(m_id, dk::APP_DKBJ, keys, values);
+        for (INT_PTR i = 0; i < keys.GetSize(); ++i)
+            appNames.Add(dk::APP_DKBJ);
         return static_cast<int>(keys.GetSize());
     }
     int found = 0;

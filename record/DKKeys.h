@@ -264,6 +264,39 @@ inline constexpr const wchar_t* TYPES_LEGACY_XZYD = L"LWPOLYLINE,POLYLINE";
 // Applications of the first-generation scan.
 inline constexpr const wchar_t* LIST_LEGACY_DK = L"地块边界,地块属性";
 
+// Hatch, unit, block, building and red-line records.
+inline constexpr const wchar_t* APP_DKTC_OLD = L"地块填充";  // older hatch record
+inline constexpr const wchar_t* APP_DYSX = L"单元属性";      // older unit record
+inline constexpr const wchar_t* APP_JFSX = L"街坊属性";      // older block record
+inline constexpr const wchar_t* APP_GHHX = L"规划红线";      // red line, label/value list
+inline constexpr const wchar_t* LIST_DKTC = L"FAPP_DKTC,地块填充";
+inline constexpr const wchar_t* TYPES_HATCH = L"HATCH,SOLID";
+inline constexpr const wchar_t* TYPE_GHDY = L"规划单元";
+inline constexpr const wchar_t* TYPE_GHJF = L"规划街坊";
+inline constexpr const wchar_t* TYPE_JZLKX = L"建筑轮廓线";
+inline constexpr const wchar_t* LBL_GHLX = L"规划类型";  // the red line's kind
+inline constexpr const wchar_t* GHHX_ALL = L"3";         // the kind that stands for every kind
+
+// The fixed labels of the bulk forms, with the keys they are stored under.
+inline constexpr LabelKey UNIT_FIELDS[] = {
+    {L"单元编号", FS_DYBH},     {L"居住人口", FDC_ZJRK},
+    {L"平均容积率", FDC_PJRJL}, {L"平均绿地率", FDC_PJLDL},
+    {L"建筑容量", FDC_ZJJZMJ},  {L"配套设施", FS_PTSS},
+    {L"批准文号", FS_PZWH},     {L"更新时间", FS_GXSJ},
+    {L"设计时间", FS_SJSJ},     {LBL_BZ, FS_BZ},
+};
+inline constexpr LabelKey BLOCK_FIELDS[] = {
+    {L"街坊编号", FS_JFBH}, {L"主导属性", FS_ZDGN}, {L"居住人口", FDC_ZJRK},
+    {LBL_YDMJ, FDC_ZYDMJ},  {LBL_JZMJ, FDC_ZJJZMJ}, {L"绿地面积", FDC_GYLDMJ},
+    {L"配套设施", FS_PTSS}, {L"设计导向", FS_SJDX}, {L"更新时间", FS_GXSJ},
+    {L"设计时间", FS_SJSJ}, {LBL_BZ, FS_BZ},
+};
+inline constexpr LabelKey BUILDING_FIELDS[] = {
+    {L"建筑编号", FS_JZBH}, {L"建筑名称", FS_JZMC},       {L"建筑层数", FN_JZCS},
+    {L"建筑高度", FD_JZGD}, {L"建筑基底面积", FD_JZZDMJ}, {LBL_JZMJ, FD_JZMJ},
+    {L"建筑性质", FS_JZXZ},
+};
+
 // The oldest planning-data format: attributes in a drawing dictionary, reached through
 // a link list of the entity.
 inline constexpr const wchar_t* QM_DKXX = L"QM_DKXX";

@@ -1,0 +1,128 @@
+#include "record/DKTCInfo.h"
+
+#include "host/arx/acutads.h"
+#include "host/arx/dbhatch.h"
+#include "host/kova/KovaDat.h"
+#include "record/DKBJXDInfo.h"
+#include "record/DKKeys.h"
+#include "record/DKScan.h"
+#include "record/LabelList.h"
+
+namespace {
+
+bool live(AcDbObjectId id) {
+    return id.isValid() && !id.isErased();
+}
+
+CString trimmedValue(const CDKTCInfo& hatch, const wchar_t* label) {
+    CString value;
+    hatch.GetData(label, value);
+    value.Trim();
+    return value;
+}
+
+// The candidates whose trimmed value of the label equals wanted.
+int keepWhere(const wchar_t* label, const wchar_t* wanted, const AcDbObjectIdArray& candidates,
+              AcDbObjectIdArray& ids) {
+    ids.removeAll();
+    if (wanted == nullptr) return 0;
+    dk::IdAppender out(ids);
+    for (AcDbObjectId id : candidates) {
+        CDKTCInfo hatch(id);
+        if (live(id) && trimmedValue(hatch, label) == wanted) out.add(id, true);
+    }
+    return ids.length();
+}
+
+}  // namespace
+
+CDKTCInfo::CDKTCInfo(AcDbObjectId id) {
+    SetObject(id);
+}
+
+int CDKTCInfo::SetObject(AcDbObjectId id) {
+    if (!live(id)) return 0;
+    m_id = id;
+    return 1;
+}
+
+int CDKTCInfo::GetObjectW(AcDbObjectId& id) const {
+    if (m_id.isNull()) return 0;
+    id = m_id;
+    return 1;
+}
+
+int CDKTCInfo::IsDktc() const {
+    if (!live(m_id)) return 0;
+    resbuf* list = nullptr;
+    int found = kova::dat::ReadObjXdata(m_id, dk::FAPP_DKTC, list);
+    acutRelRb(list);
+    return found ? 1 : 0;
+}
+
+int CDKTCInfo::IsDksktc() const {
+    if (!live(m_id)) return 0;
+    AcDbEntity* entity = nullptr;
+    if (acdbOpenAcDbEntity(entity, m_id, AcDb::kForRead) != Acad::eOk) return 0;
+    AcDbHatch* hatch = AcDbHatch::cast(entity);
+    int solid = hatch != nullptr && CString(hatch->patternName()).CompareNoCase(L"SOLID") == 0;
+    entity->close();
+    return solid;
+}
+
+int CDKTCInfo::GetData(const wchar_t* label, CString& value) const {
+    if (!live(m_id) || label == nullptr) return 0;
+    return dk::ReadListValue(m_id, dk::FAPP_DKTC, label, value) ||
+                   dk::ReadListValue(m_id, dk::APP_DKTC_OLD, label, value)
+               ? 1
+               : 0;
+}
+
+int CDKTCInfo::SetData(const wchar_t* label, const wchar_t* value) {
+    if (!live(m_id)) return 0;
+    return dk::WriteListValue(m_id, dk::FAPP_DKTC, label, value);
+}
+
+int CDKTCInfo::GetData(CStringArray& labels, CStringArray& values) const {
+    if (!live(m_id)) return 0;
+    if (dk::ReadListPairs(m_id, dk::FAPP_DKTC, labels, values)) {
+        return static_cast<int>(labels.GetSize());
+    }
+    return dk::ReadListPairs(m_id, dk::APP_DKTC_OLD, labels, values);
+}
+
+int CDKTCInfo::SetData(const CStringArray& labels, const CStringArray& values) {
+    if (!live(m_id) || labels.GetSize() != values.GetSize()) return 0;
+    int ok = 1;
+    for (INT_PTR i = 0; i < labels.GetSize(); ++i) {
+        if (!SetData(labels[i], values[i])) ok = 0;
+    }
+    return ok;
+}
+
+int CDKTCInfo::GetDkbj(AcDbObjectId& parcel) const {
+    if (!live(m_id)) return 0;
+    CString number = trimmedValue(*this, dk::LBL_DKBH);
+    return !number.IsEmpty() && CDKBJXDInfo::GetDkbj(number, parcel) ? 1 : 0;
+}
+
+int CDKTCInfo::GetDktc(AcDbObjectIdArray& ids) {
+    return dk::SelectParcels(dk::TYPES_HATCH, dk::LIST_DKTC, true, ids);
+}
+
+int CDKTCInfo::GetDktc(AcDbObjectIdArray& ids, const wchar_t* number) {
+    AcDbObjectIdArray candidates;
+    GetDktc(candidates);
+    return keepWhere(dk::LBL_DKBH, number, candidates, ids);
+}
+
+int CDKTCInfo::GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids) {
+    AcDbObjectIdArray candidates;
+    GetDktc(candidates);
+    return keepWhere(dk::LBL_DKLB, cls, candidates, ids);
+}
+
+int CDKTCInfo::GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids,
+                       const AcDbObjectIdArray& candidates) {
+    return keepWhere(dk::LBL_DKLB, cls, candidates, ids);
+}

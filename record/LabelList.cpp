@@ -1,0 +1,57 @@
+#include "record/LabelList.h"
+
+#include "host/arx/acutads.h"
+#include "host/kova/KovaDat.h"
+
+namespace dk {
+
+int ReadListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label, CString& value) {
+    if (!id.isValid() || id.isErased() || label == nullptr) return 0;
+    resbuf* list = nullptr;
+    if (!kova::dat::ReadObjXdata(id, app, list)) return 0;
+    int found = kova::dat::GetRbString(list, label, value);
+    acutRelRb(list);
+    return found;
+}
+
+int WriteListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label,
+                   const wchar_t* value) {
+    if (!id.isValid() || id.isErased() || label == nullptr || *label == 0) return 0;
+    if (value == nullptr) value = L"";
+    resbuf* list = nullptr;
+    int ok = 0;
+    if (kova::dat::ReadObjXdata(id, app, list)) {
+        if (kova::dat::SetRbString(list, label, value)) {
+            ok = kova::dat::AddObjXdata(id, app, list);
+        } else {
+            resbuf* pair = acutBuildList(1000, label, 1000, value, 0);
+            ok = kova::dat::PasteObjXdata(id, app, pair);
+            acutRelRb(pair);
+        }
+    } else {
+        resbuf* pair = acutBuildList(1000, label, 1000, value, 0);
+        ok = kova::dat::AddObjXdata(id, app, pair);
+        acutRelRb(pair);
+    }
+    acutRelRb(list);
+    return ok;
+}
+
+int ReadListPairs(AcDbObjectId id, const wchar_t* app, CStringArray& labels, CStringArray& values) {
+    labels.RemoveAll();
+    values.RemoveAll();
+    if (!id.isValid() || id.isErased()) return 0;
+    resbuf* list = nullptr;
+    if (!kova::dat::ReadObjXdata(id, app, list)) return 0;
+    bool label = true;
+    for (resbuf* rb = list; rb != nullptr; rb = rb->rbnext) {
+        if (rb->restype != 1000) continue;
+        (label ? labels : values).Add(rb->resval.rstring);
+        label = !label;
+    }
+    acutRelRb(list);
+    if (values.GetSize() < labels.GetSize()) values.Add(L"");
+    return static_cast<int>(labels.GetSize());
+}
+
+}  // namespace dk

@@ -1,0 +1,20 @@
+#pragma once
+// Label / value lists: an application's xdata as group-1000 strings alternating label and
+// value, the format of first-generation parcels, parcel hatches and red lines.
+#include "host/arx/dbmain.h"
+#include "host/mfc/CString.h"
+#include "host/mfc/CStringArray.h"
+
+namespace dk {
+
+// The value that follows label in app's list; 0 when the list or the label is absent.
+int ReadListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label, CString& value);
+// Writes the pair into app's list: the value replaced in place when the label is there,
+// the pair appended when it is not, the pair as the whole list when there is none. So the
+// list keeps the order in which labels were first written.
+int WriteListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label, const wchar_t* value);
+// Every pair of app's list in order (a trailing label without value gets ""); the number
+// of pairs, 0 when there is no list. Both lists are cleared first.
+int ReadListPairs(AcDbObjectId id, const wchar_t* app, CStringArray& labels, CStringArray& values);
+
+}  // namespace dk

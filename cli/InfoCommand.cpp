@@ -4,11 +4,18 @@
 #include <string>
 
 #include "cli/Commands.h"
+#include "cli/Drawing.h"
+#include "cli/Output.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/dbunknown.h"
 #include "host/arx/peek.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/Dxf.h"
+#include "host/kova/ArxDataXData.h"
+#include "record/BoundaryRecord.h"
+#include "record/DKKeys.h"
+#include "record/DYBJInfo.h"
+#include "record/JFBJInfo.h"
 
 namespace kplan::cli {
 
@@ -32,13 +39,50 @@ const char* releaseOf(const std::string& version) {
     return it == releases.end() ? "unknown release" : it->second;
 }
 
+// The outlines a statistic can be bounded by, with their handles for --boundary: scope
+// lines, units and blocks, each with its number and area.
+void printBoundaries() {
+    struct Kind {
+        const char* name;
+        AcDbObjectIdArray ids;
+        const wchar_t* numberKey;
+    };
+    Kind kinds[] = {
+        {"scope line", {}, nullptr}, {"unit", {}, dk::FS_DYBH}, {"block", {}, dk::FS_JFBH}};
+    dk::SelectOutlines(dk::FAPP_GHFWX, kinds[0].ids);
+    CDYBJInfo::GetDYbj(kinds[1].ids);
+    CJFBJInfo::GetJFbj(kinds[2].ids);
+    long count = 0;
+    for (const Kind& kind : kinds)
+        count += kind.ids.length();
+    std::cout << "boundaries (--boundary HANDLE):" << (count == 0 ? " none" : "") << "\n";
+    for (const Kind& kind : kinds) {
+        for (AcDbObjectId id : kind.ids) {
+            double area = 0;
+            dk::OutlineArea(id, area);
+            CString number;
+            if (kind.numberKey != nullptr)
+                ARX_DATA::CFGisXData::GetFrom(id, kind.numberKey, number);
+            number.Trim();
+            std::cout << "  " << kind.name << " " << handleText(id)
+                      << (number.IsEmpty() ? "" : " " + number.ToUtf8()) << ": " << fixed(area, 2)
+                      << " ha\n";
+        }
+    }
+}
+
 int runInfo(const std::string& path) {
     std::string error;
-    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
-    if (!database) {
+    std::unique_ptr<AcDbDatabase> loaded = dxf::load(path, error);
+    if (!loaded) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
+    // The current document, so that the record scans see it.
+    AcApDocument* document =
+        acDocManager->appendDocument(std::move(loaded), CString::FromUtf8(path));
+    acDocManager->setCurDocument(document);
+    AcDbDatabase* database = document->database();
     dxf::DrawingInfo info = dxf::drawingInfo(*database);
     std::map<std::string, long> entities, applications;
     long entityCount = 0;
@@ -77,6 +121,7 @@ int runInfo(const std::string& path) {
         for (AcDbObjectId id : layers->recordIds())
             layerCount += id.isErased() ? 0 : 1;
     }
+    printBoundaries();
     std::cout << "layers: " << layerCount << "\n";
     if (layers) {
         for (AcDbObjectId id : layers->recordIds()) {

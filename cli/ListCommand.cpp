@@ -1,4 +1,7 @@
-// "kplan list": the parcels of a drawing, one row each, with their main indicators.
+// "kplan list": the records of a drawing, one row each: parcels with their main
+// indicators (the default), or units, blocks, buildings, hatches or red lines with their
+// fields.
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -8,39 +11,58 @@
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
 #include "cli/Output.h"
+#include "host/arx/dbhatch.h"
+#include "host/arx/peek.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/DKTCInfo.h"
+#include "record/DYBJInfo.h"
+#include "record/GHHXInfo.h"
+#include "record/JFBJInfo.h"
+#include "record/JZBJInfo.h"
+#include "record/LabelList.h"
 #include "record/XDataAccess.h"
+#include "standard/KovaAttribSet.h"
 
 namespace kplan::cli {
 
 namespace {
 
+const char* const kKinds[] = {"parcel", "unit", "block", "building", "hatch", "redline"};
+
 struct ListArgs {
     std::string drawing;
     std::string format = "table";
+    std::string kind = "parcel";
     std::string classPrefix;
     std::string number;
     bool hasClass = false, hasNumber = false;
     StandardOptions standard;
 };
 
-struct Kind {
-    const char* name;
-    AcDbObjectIdArray ids;
-    bool underground;
+// ------------------------------------------------------------------ listing
+
+struct Column {
+    std::string key;      // CSV and JSON
+    std::string title;    // the table
+    bool right = false;   // right-aligned in the table
+    bool number = false;  // a JSON number
+    bool tableToo = true;
 };
 
-const char* const kColumns[] = {"handle",      "generation", "kind",         "number",
-                                "class",       "class_name", "area_ha",      "far",
-                                "green_ratio", "density",    "height_limit", "population"};
-const wchar_t* const kFields[] = {dk::FS_DKBH, dk::FS_DKXZ, dk::FD_RJL, dk::FD_LDL,
-                                  dk::FD_JZMD, dk::FD_JZXG, dk::FN_ZRKS};
+struct Cell {
+    std::string value, shown;  // for machines, for people
+};
 
-struct Row {
-    std::string handle, kind, number, cls, className, far, green, density, height, population;
-    int generation = 0;
-    double hectares = 0;
+// What a kind lists, printed the same way for every kind.
+struct Listing {
+    std::vector<Column> columns;
+    std::vector<std::vector<Cell>> rows;
+    const char* one = "record";
+    const char* many = "records";
+    // The table leaves out field columns that no row fills.
+    std::size_t fixedColumns = 0;
+    bool dropEmptyFields = false;
 };
 
 std::string text(const CString& value) {
@@ -49,54 +71,117 @@ std::string text(const CString& value) {
     return trimmed.ToUtf8();
 }
 
-Row readRow(AcDbObjectId id, const Kind& kind, const ClassNames& names) {
-    CDKBJXDInfo parcel(id);
-    CStringArray keys, values, apps;
-    for (const wchar_t* key : kFields)
-        keys.Add(key);
-    parcel.GetData(keys, values, apps);
-    Row row;
-    row.handle = handleText(id);
-    row.generation = CheckDKDataVer(id);
-    row.kind = kind.name;
-    row.number = text(values[0]);
-    row.cls = text(values[1]);
-    if (kind.underground) {
-        CString value;
-        if (row.number.empty() && parcel.GetData(dk::FS_DXKJBH, value)) row.number = text(value);
-        if (parcel.GetData(dk::FS_DXKJXZ, value) && !text(value).empty()) row.cls = text(value);
-    }
-    row.className = names.of(row.cls);
-    parcel.GetArea(row.hectares);
-    row.far = text(values[2]);
-    row.green = text(values[3]);
-    row.density = text(values[4]);
-    row.height = text(values[5]);
-    row.population = text(values[6]);
-    return row;
+Cell plain(const std::string& value) {
+    return {value, value};
 }
 
-std::vector<std::string> cells(const Row& r, bool forPeople) {
-    return {r.handle,
-            std::to_string(r.generation),
-            r.kind,
-            r.number,
-            r.cls,
-            r.className,
-            forPeople ? fixed(r.hectares, 4) : jsonNumber(r.hectares),
-            r.far,
-            r.green,
-            r.density,
-            r.height,
-            r.population};
+Cell hectares(double value) {
+    return {jsonNumber(value), fixed(value, 4)};
+}
+
+std::vector<std::size_t> tableColumns(const Listing& listing) {
+    std::vector<std::size_t> shown;
+    for (std::size_t c = 0; c < listing.columns.size(); ++c) {
+        if (!listing.columns[c].tableToo) continue;
+        bool filled = !listing.dropEmptyFields || c < listing.fixedColumns;
+        for (const auto& row : listing.rows)
+            filled = filled || !row[c].shown.empty();
+        if (filled) shown.push_back(c);
+    }
+    return shown;
+}
+
+void printTable(const Listing& listing) {
+    std::vector<std::size_t> shown = tableColumns(listing);
+    std::vector<std::vector<std::string>> table(1);
+    std::vector<bool> right;
+    for (std::size_t c : shown) {
+        table[0].push_back(listing.columns[c].title);
+        right.push_back(listing.columns[c].right);
+    }
+    for (const auto& row : listing.rows) {
+        table.emplace_back();
+        for (std::size_t c : shown)
+            table.back().push_back(row[c].shown);
+    }
+    std::cout << alignedTable(table, right);
+    std::cout << listing.rows.size() << " "
+              << (listing.rows.size() == 1 ? listing.one : listing.many) << "\n";
+}
+
+void printCsv(const Listing& listing) {
+    std::vector<std::string> header;
+    for (const Column& column : listing.columns)
+        header.push_back(column.key);
+    std::cout << csvRow(header);
+    for (const auto& row : listing.rows) {
+        std::vector<std::string> values;
+        for (const Cell& cell : row)
+            values.push_back(cell.value);
+        std::cout << csvRow(values);
+    }
+}
+
+void printJson(const Listing& listing) {
+    std::cout << "[";
+    for (std::size_t r = 0; r < listing.rows.size(); ++r) {
+        std::cout << (r ? ",\n " : "\n ") << "{";
+        for (std::size_t c = 0; c < listing.columns.size(); ++c) {
+            const Column& column = listing.columns[c];
+            const std::string& value = listing.rows[r][c].value;
+            std::cout << (c ? ", " : "") << jsonString(column.key) << ": "
+                      << (column.number && !value.empty() ? value : jsonString(value));
+        }
+        std::cout << "}";
+    }
+    std::cout << (listing.rows.empty() ? "]\n" : "\n]\n");
+}
+
+// ------------------------------------------------------------------ parcels
+
+struct ParcelKind {
+    const char* name;
+    AcDbObjectIdArray ids;
+    bool underground;
+};
+
+const wchar_t* const kParcelFields[] = {dk::FS_DKBH, dk::FS_DKXZ, dk::FD_RJL, dk::FD_LDL,
+                                        dk::FD_JZMD, dk::FD_JZXG, dk::FN_ZRKS};
+
+std::vector<Cell> parcelRow(AcDbObjectId id, const ParcelKind& kind, const ClassNames& names) {
+    CDKBJXDInfo parcel(id);
+    CStringArray keys, values, apps;
+    for (const wchar_t* key : kParcelFields)
+        keys.Add(key);
+    parcel.GetData(keys, values, apps);
+    std::string number = text(values[0]), cls = text(values[1]);
+    if (kind.underground) {
+        CString value;
+        if (number.empty() && parcel.GetData(dk::FS_DXKJBH, value)) number = text(value);
+        if (parcel.GetData(dk::FS_DXKJXZ, value) && !text(value).empty()) cls = text(value);
+    }
+    double area = 0;
+    parcel.GetArea(area);
+    return {plain(handleText(id)),
+            plain(std::to_string(CheckDKDataVer(id))),
+            plain(kind.name),
+            plain(number),
+            plain(cls),
+            plain(names.of(cls)),
+            hectares(area),
+            plain(text(values[2])),
+            plain(text(values[3])),
+            plain(text(values[4])),
+            plain(text(values[5])),
+            plain(text(values[6]))};
 }
 
 // The parcels to list by kind, narrowed by --number and --class.
-std::vector<Kind> select(const ListArgs& args, AcDbDatabase& database) {
-    std::vector<Kind> kinds = {{"planned", {}, false},
-                               {"current status", {}, false},
-                               {"underground planned", {}, true},
-                               {"underground current", {}, true}};
+std::vector<ParcelKind> selectParcels(const ListArgs& args, AcDbDatabase& database) {
+    std::vector<ParcelKind> kinds = {{"planned", {}, false},
+                                     {"current status", {}, false},
+                                     {"underground planned", {}, true},
+                                     {"underground current", {}, true}};
     CDKBJXDInfo::GetDkbj(kinds[0].ids);
     kinds[0].ids.append(olderGenerationParcels(database, kinds[0].ids));
     CDKBJXDInfo::GetAllXZYD(kinds[1].ids);
@@ -104,7 +189,7 @@ std::vector<Kind> select(const ListArgs& args, AcDbDatabase& database) {
     CDKBJXDInfo::GetDXKJ(kinds[3].ids, 0);
     if (args.hasNumber) {
         CString number = CString::FromUtf8(args.number);
-        for (Kind& kind : kinds) {
+        for (ParcelKind& kind : kinds) {
             AcDbObjectIdArray found;
             if (kind.underground) {
                 CDKBJXDInfo::GetDXKJByBH(number, kind.ids, found);
@@ -125,43 +210,224 @@ std::vector<Kind> select(const ListArgs& args, AcDbDatabase& database) {
     return kinds;
 }
 
+Listing listParcels(const ListArgs& args, AcDbDatabase& database) {
+    Listing listing;
+    listing.one = "parcel";
+    listing.many = "parcels";
+    const char* keys[] = {"handle",      "generation", "kind",         "number",
+                          "class",       "class_name", "area_ha",      "far",
+                          "green_ratio", "density",    "height_limit", "population"};
+    for (const char* key : keys) {
+        std::string k = key;
+        // Indicators are right-aligned in the table but stay strings, as recorded.
+        bool number = k == "generation" || k == "area_ha";
+        bool right = number || k == "far" || k == "green_ratio" || k == "density" ||
+                     k == "height_limit" || k == "population";
+        listing.columns.push_back({k, k, right, number});
+    }
+    ClassNames names;
+    for (const ParcelKind& kind : selectParcels(args, database)) {
+        for (AcDbObjectId id : kind.ids)
+            listing.rows.push_back(parcelRow(id, kind, names));
+    }
+    return listing;
+}
+
+// ------------------------------------------------------------------ units, blocks, buildings
+
+// The fields a kind shows: those its attribute file switches on, else its fixed labels.
+void addFieldColumns(Listing& listing, const wchar_t* app, dk::LabelTable fallback,
+                     CStringArray& keys) {
+    CString path;
+    CStringArray aliases;
+    CKovaAttribSet::FGetAttFileAndAppName(app, path, keys, aliases);
+    if (keys.IsEmpty()) {
+        for (const dk::LabelKey& field : fallback) {
+            keys.Add(field.key);
+            aliases.Add(field.label);
+        }
+    }
+    listing.fixedColumns = listing.columns.size();
+    listing.dropEmptyFields = true;
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        std::string title = text(aliases[i]);
+        listing.columns.push_back({keys[i].ToUtf8(), title.empty() ? keys[i].ToUtf8() : title});
+    }
+}
+
+void addFieldCells(const CBoundaryRecord& record, const CStringArray& keys,
+                   std::vector<Cell>& row) {
+    for (const CString& key : keys) {
+        CString value;
+        record.GetData(key, value);
+        row.push_back(plain(text(value)));
+    }
+}
+
+// Units and blocks: area, the planned parcels they hold, their fields.
+template <typename Record>
+Listing listAreas(const wchar_t* app, dk::LabelTable fields, const AcDbObjectIdArray& ids,
+                  const char* one, const char* many) {
+    Listing listing;
+    listing.one = one;
+    listing.many = many;
+    listing.columns = {{"handle", "handle"},
+                       {"area_ha", "area_ha", true, true},
+                       {"parcels", "parcels", true, true},
+                       {"parcel_numbers", "parcel_numbers", false, false, false}};
+    CStringArray keys;
+    addFieldColumns(listing, app, fields, keys);
+    for (AcDbObjectId id : ids) {
+        Record record;
+        record.SetObject(id);
+        double area = 0;
+        record.GetArea(area);
+        AcDbObjectIdArray parcels;
+        record.GetDkbj(parcels);
+        std::string numbers;
+        for (AcDbObjectId parcel : parcels) {
+            CString number;
+            CDKBJXDInfo(parcel).GetData(dk::FS_DKBH, number);
+            numbers += (numbers.empty() ? "" : " ") + text(number);
+        }
+        std::vector<Cell> row = {plain(handleText(id)), hectares(area),
+                                 plain(std::to_string(parcels.length())), plain(numbers)};
+        addFieldCells(record, keys, row);
+        listing.rows.push_back(std::move(row));
+    }
+    return listing;
+}
+
+Listing listUnits() {
+    AcDbObjectIdArray ids;
+    CDYBJInfo::GetDYbj(ids);
+    return listAreas<CDYBJInfo>(dk::FAPP_GHDY, dk::UNIT_FIELDS, ids, "unit", "units");
+}
+
+Listing listBlocks() {
+    AcDbObjectIdArray ids;
+    CJFBJInfo::GetJFbj(ids);
+    return listAreas<CJFBJInfo>(dk::FAPP_GHJF, dk::BLOCK_FIELDS, ids, "block", "blocks");
+}
+
+Listing listBuildings() {
+    Listing listing;
+    listing.one = "building";
+    listing.many = "buildings";
+    listing.columns = {{"handle", "handle"}, {"area_ha", "area_ha", true, true}};
+    CStringArray keys;
+    addFieldColumns(listing, dk::FAPP_JZLKX, dk::BUILDING_FIELDS, keys);
+    AcDbObjectIdArray ids;
+    CJZBJInfo::GetJZbj(ids);
+    for (AcDbObjectId id : ids) {
+        CJZBJInfo building(id);
+        double area = 0;
+        building.GetArea(area);
+        std::vector<Cell> row = {plain(handleText(id)), hectares(area)};
+        addFieldCells(building, keys, row);
+        listing.rows.push_back(std::move(row));
+    }
+    return listing;
+}
+
+// ------------------------------------------------------------------ hatches, red lines
+
+std::string patternOf(AcDbObjectId id) {
+    auto* hatch = AcDbHatch::cast(arx::peekObject(id));
+    return hatch != nullptr ? CString(hatch->patternName()).ToUtf8() : "SOLID";
+}
+
+std::string titleOr(const CString& alias, const wchar_t* fallback) {
+    return alias.IsEmpty() ? CString(fallback).ToUtf8() : alias.ToUtf8();
+}
+
+// Hatches with the parcel number and class of their list, and the parcel they fill.
+Listing listHatches() {
+    Listing listing;
+    listing.one = "hatch";
+    listing.many = "hatches";
+    listing.columns = {{"handle", "handle"},
+                       {"FS_DKBH", titleOr(CKovaAttribSet::FGetGHAlias(dk::FS_DKBH), dk::LBL_DKBH)},
+                       {"FS_DKXZ", titleOr(CKovaAttribSet::FGetGHAlias(dk::FS_DKXZ), dk::LBL_DKLB)},
+                       {"pattern", "pattern"},
+                       {"parcel", "parcel"}};
+    AcDbObjectIdArray ids;
+    CDKTCInfo::GetDktc(ids);
+    for (AcDbObjectId id : ids) {
+        CDKTCInfo hatch(id);
+        CString number, cls;
+        hatch.GetData(dk::LBL_DKBH, number);
+        hatch.GetData(dk::LBL_DKLB, cls);
+        AcDbObjectId parcel;
+        listing.rows.push_back({plain(handleText(id)), plain(text(number)), plain(text(cls)),
+                                plain(patternOf(id)),
+                                plain(hatch.GetDkbj(parcel) ? handleText(parcel) : "")});
+    }
+    return listing;
+}
+
+// Red lines of both spaces with their kind ("规划类型") and whatever else their lists hold.
+Listing listRedLines(AcDbDatabase& database) {
+    Listing listing;
+    listing.one = "red line";
+    listing.many = "red lines";
+    AcDbObjectIdArray ids;
+    CGHHXInfo::GetGhhx(dk::GHHX_ALL, ids);
+    std::vector<std::string> labels = {CString(dk::LBL_GHLX).ToUtf8()};
+    std::vector<std::pair<CStringArray, CStringArray>> lists(ids.length());
+    for (int i = 0; i < ids.length(); ++i) {
+        dk::ReadListPairs(ids[i], dk::APP_GHHX, lists[i].first, lists[i].second);
+        for (const CString& label : lists[i].first) {
+            if (std::find(labels.begin(), labels.end(), label.ToUtf8()) == labels.end())
+                labels.push_back(label.ToUtf8());
+        }
+    }
+    listing.columns = {{"handle", "handle"}, {"space", "space"}};
+    for (const std::string& label : labels)
+        listing.columns.push_back({label, label});
+    for (int i = 0; i < ids.length(); ++i) {
+        auto* entity = AcDbEntity::cast(arx::peekObject(ids[i]));
+        bool paper = entity != nullptr && entity->ownerId() != database.modelSpaceId();
+        std::vector<Cell> row = {plain(handleText(ids[i])), plain(paper ? "paper" : "model")};
+        for (const std::string& label : labels) {
+            CString value;
+            CGHHXInfo(ids[i]).GetData(CString::FromUtf8(label), value);
+            row.push_back(plain(text(value)));
+        }
+        listing.rows.push_back(std::move(row));
+    }
+    return listing;
+}
+
+// ------------------------------------------------------------------ the command
+
+Listing listKind(const ListArgs& args, AcDbDatabase& database) {
+    if (args.kind == "unit") return listUnits();
+    if (args.kind == "block") return listBlocks();
+    if (args.kind == "building") return listBuildings();
+    if (args.kind == "hatch") return listHatches();
+    if (args.kind == "redline") return listRedLines(database);
+    return listParcels(args, database);
+}
+
 int runList(const ListArgs& args) {
+    if (args.kind != "parcel" && (args.hasClass || args.hasNumber)) {
+        std::cerr << "kplan: --class and --number narrow parcels only, not --kind " << args.kind
+                  << "\n";
+        return 2;
+    }
     Format format;
     LoadedDrawing drawing;
     std::string path;
     if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
         return failed;
-    ClassNames names;
-    std::vector<Row> rows;
-    for (const Kind& kind : select(args, *drawing.database())) {
-        for (AcDbObjectId id : kind.ids)
-            rows.push_back(readRow(id, kind, names));
-    }
-    std::vector<std::string> header(std::begin(kColumns), std::end(kColumns));
+    Listing listing = listKind(args, *drawing.database());
     if (format == Format::Table) {
-        std::vector<std::vector<std::string>> table = {header};
-        for (const Row& r : rows)
-            table.push_back(cells(r, true));
-        std::cout << alignedTable(
-            table, {false, true, false, false, false, false, true, true, true, true, true, true});
-        std::cout << rows.size() << (rows.size() == 1 ? " parcel\n" : " parcels\n");
+        printTable(listing);
     } else if (format == Format::Csv) {
-        std::cout << csvRow(header);
-        for (const Row& r : rows)
-            std::cout << csvRow(cells(r, false));
+        printCsv(listing);
     } else {
-        std::cout << "[";
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            std::vector<std::string> values = cells(rows[i], false);
-            std::cout << (i ? ",\n " : "\n ") << "{";
-            for (std::size_t c = 0; c < values.size(); ++c) {
-                bool number = c == 1 || c == 6;
-                std::cout << (c ? ", " : "") << jsonString(kColumns[c]) << ": "
-                          << (number ? values[c] : jsonString(values[c]));
-            }
-            std::cout << "}";
-        }
-        std::cout << (rows.empty() ? "]\n" : "\n]\n");
+        printJson(listing);
     }
     std::cout.flush();
     return std::cout ? 0 : 1;
@@ -170,10 +436,13 @@ int runList(const ListArgs& args) {
 }  // namespace
 
 void addListCommand(CLI::App& app, int& exitCode) {
-    auto* command = app.add_subcommand("list", "One row per parcel with its main indicators");
+    auto* command = app.add_subcommand("list", "One row per record: parcels, or another kind");
     auto args = std::make_shared<ListArgs>();
     command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
     command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
+    command->add_option("--kind", args->kind, "parcel, unit, block, building, hatch or redline")
+        ->check(CLI::IsMember(std::vector<std::string>(std::begin(kKinds), std::end(kKinds))))
+        ->capture_default_str();
     command->add_option("--class", args->classPrefix,
                         "Only planned and current-status parcels whose class begins so");
     command->add_option("--number", args->number, "Only the parcels with this number");

@@ -3,10 +3,15 @@
 // DXF writer. Everything comes from the tables below, with no randomness and no clock, so
 // the same program always writes the same bytes.
 //
-// Usage: make_sample_plan OUT.dxf
+// Usage: make_sample_plan OUT.dxf [RECORDS.json]
+// RECORDS.json receives every record written, kind by kind, for the test that reads them
+// back with `kplan list --kind`.
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <cwchar>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <numbers>
 #include <string>
@@ -15,6 +20,7 @@
 #include "host/arx/acdocman.h"
 #include "host/arx/acutads.h"
 #include "host/arx/dbents.h"
+#include "host/arx/dbhatch.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
 #include "host/db/Leaks.h"
@@ -26,6 +32,12 @@
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/DKTCInfo.h"
+#include "record/DYBJInfo.h"
+#include "record/GHHXInfo.h"
+#include "record/JFBJInfo.h"
+#include "record/JZBJInfo.h"
+#include "record/XDataAccess.h"
 
 namespace {
 
@@ -462,6 +474,110 @@ Pt centroid(const Outline& outline) {
 
 // ------------------------------------------------------------------ the drawing
 
+using Fields = std::vector<std::pair<const wchar_t*, std::wstring>>;
+
+// What the plan recorded, kind by kind ("unit", "block", ...): each record's entity and
+// its values by column, as `kplan list --kind` names the columns.
+struct WrittenRecord {
+    AcDbObjectId id;
+    std::vector<std::pair<std::wstring, std::wstring>> values;
+};
+using Written = std::vector<std::pair<std::string, std::vector<WrittenRecord>>>;
+
+std::string jsonText(const std::wstring& text) {
+    std::string out = "\"";
+    for (char c : db::wideToUtf8(text)) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+            out += escaped;
+        } else {
+            out += c;
+        }
+    }
+    return out + "\"";
+}
+
+std::wstring handleOf(AcDbObjectId id) {
+    ACHAR text[17] = {};
+    id.handle().getIntoAsciiBuffer(text);
+    return text;
+}
+
+// The records as JSON: {"unit": [{"handle": "17", "FS_DYBH": "JX-02", ...}], ...}.
+std::string writtenJson(const Written& written) {
+    std::string out = "{";
+    for (std::size_t k = 0; k < written.size(); ++k) {
+        out += (k ? ",\n " : "\n ") + jsonText(db::utf8ToWide(written[k].first)) + ": [";
+        const auto& records = written[k].second;
+        for (std::size_t r = 0; r < records.size(); ++r) {
+            out += (r ? ",\n  {" : "\n  {") + jsonText(L"handle") + ": " +
+                   jsonText(handleOf(records[r].id));
+            for (const auto& [key, value] : records[r].values)
+                out += ", " + jsonText(key) + ": " + jsonText(value);
+            out += "}";
+        }
+        out += "]";
+    }
+    return out + "\n}\n";
+}
+
+// A parcel as drawn, for the totals of its block and unit and for what stands on it.
+struct DrawnParcel {
+    AcDbObjectId id;
+    std::wstring number;
+    const ClassInfo* cls;
+    Plot plot;
+    double area, floorArea, people;  // m², m², persons
+    Pt middle;
+    bool hasIslands;
+    AcDbObjectIdArray islands;
+};
+
+// Buildings of a few parcels: a rectangle of w x h metres whose south-west corner lies
+// (dx, dy) from the parcel's centroid, clear of its labels.
+struct Building {
+    const wchar_t* parcel;
+    double dx, dy, w, h;
+    const wchar_t* number;
+    const wchar_t* name;
+    const wchar_t* storeys;
+    const wchar_t* height;
+    const wchar_t* use;
+};
+
+const Building kBuildings[] = {
+    {L"A-02", -40, 15, 18, 45, L"A-02-1", L"锦溪花园1号楼", L"26", L"79.9", L"住宅"},
+    {L"A-02", 10, 15, 18, 45, L"A-02-2", L"锦溪花园2号楼", L"26", L"79.9", L"住宅"},
+    {L"A-05", -30, 15, 60, 25, L"A-05-1", L"锦溪小学教学楼", L"4", L"18.0", L"教育"},
+    {L"B-01", -25, 15, 50, 35, L"B-01-1", L"锦溪商务中心", L"22", L"98.5", L"商务办公"},
+    {L"E-01", -30, 15, 55, 30, L"E-01-1", L"锦溪社区医院", L"8", L"33.6", L"医疗卫生"},
+    {L"E-05", -15, 8, 30, 12, L"E-05-1", L"110kV锦溪变电站", L"2", L"12.0", L"市政公用"},
+};
+
+// Red-line kinds ("规划类型") this plan uses.
+constexpr const wchar_t* kRoadRedLine = L"1";  // 道路红线
+constexpr const wchar_t* kSiteRedLine = L"2";  // 用地红线
+
+// Parcels given out for development get a site red line along their outline.
+const wchar_t* const kSiteRedLines[] = {L"B-01", L"F-01"};
+
+// The pattern, scale and angle of the classes hatched, as the class table gives them.
+struct HatchStyle {
+    const wchar_t* cls;
+    const wchar_t* pattern;
+    double scale, angle;
+};
+const HatchStyle kHatchStyles[] = {
+    {L"G1", L"GRASS", 4, 0},
+    {L"G2", L"ANSI37", 20, 0},
+    {L"G3", L"NET", 20, 0},
+    {L"E1", L"DASH", 20, 0},
+};
+
 std::wstring whole(double v) {
     return std::to_wstring(std::llround(v));
 }
@@ -471,10 +587,15 @@ class SamplePlan {
     explicit SamplePlan(AcDbDatabase& database) : database_(database) {}
 
     bool build() {
+        // Whatever was added later comes last, so that the handles of the earlier content
+        // (which the README quotes) stay as they were.
         return addLinetypes() && addFrameworkLayers() && addUnitAndBlocks() && addScope() &&
-               addRedLines() && addBlockParcels() && addEastStrip() && addCurrentStatus();
+               addRedLines() && addBlockParcels() && addEastStrip() && addCurrentStatus() &&
+               addIndicators() && addRedLineKinds() && addBuildings() && addHatches();
     }
     const std::string& error() const { return error_; }
+    // Every record written, for the test that reads them back with kplan list.
+    std::string recordsJson() const { return writtenJson(written_); }
 
   private:
     bool fail(const std::string& what) {
@@ -616,14 +737,16 @@ class SamplePlan {
 
     // -------------------------------------------------------------- framework
 
+    // Unit and block records through their classes: wrapping stamps the record, then the
+    // fields; the indicators follow once the parcels are drawn (addIndicators).
     bool addUnitAndBlocks() {
         Outline unit = polygon({{0, 0}, {1200, 0}, {1200, 900}, {0, 900}});
-        AcDbObjectId unitId = addOutline(unit, kUnitLayer, true);
-        if (unitId.isNull() || !writeRecord(unitId, dk::FAPP_GHDY, L"规划单元",
-                                            {{dk::FS_DYBH, kUnitNumber},
-                                             {dk::FS_ZDGN, L"居住、公共服务、工业"},
-                                             {dk::FS_BZ, L"锦溪片区02单元"}})) {
-            return false;
+        unitId_ = addOutline(unit, kUnitLayer, true);
+        if (unitId_.isNull() ||
+            !writeFields(CDYBJInfo(unitId_), {{dk::FS_DYBH, kUnitNumber},
+                                              {dk::FS_ZDGN, L"居住、公共服务、工业"},
+                                              {dk::FS_BZ, L"锦溪片区02单元"}})) {
+            return fail("cannot write the unit");
         }
         for (const Block& b : blocks_) {
             Outline outline = polygon({{b.westCentre.at(b.yCentre0), b.yCentre0},
@@ -631,15 +754,27 @@ class SamplePlan {
                                        {b.eastCentre.at(b.yCentre1), b.yCentre1},
                                        {b.westCentre.at(b.yCentre1), b.yCentre1}});
             AcDbObjectId id = addOutline(outline, kBlockLayer, true);
-            if (id.isNull() ||
-                !writeRecord(id, dk::FAPP_GHJF, L"规划街坊",
-                             {{dk::FS_JFBH, std::wstring(kUnitNumber) + L"-" + b.letter},
-                              {dk::FS_DYBH, kUnitNumber},
-                              {dk::FS_ZDGN, b.function}})) {
-                return false;
+            if (id.isNull() || !writeFields(CJFBJInfo(id), {{dk::FS_JFBH, blockNumber(b)},
+                                                            {dk::FS_DYBH, kUnitNumber},
+                                                            {dk::FS_ZDGN, b.function}})) {
+                return fail("cannot write the block " + utf8(b.letter));
             }
+            blockIds_.append(id);
         }
         return true;
+    }
+
+    static std::wstring blockNumber(const Block& b) {
+        return std::wstring(kUnitNumber) + L"-" + b.letter;
+    }
+
+    static bool writeFields(CBoundaryRecord&& record, const Fields& fields) {
+        CStringArray keys, values;
+        for (const auto& [key, value] : fields) {
+            keys.Add(key);
+            values.Add(value.c_str());
+        }
+        return record.SetData(keys, values) == 1;
     }
 
     bool addScope() {
@@ -667,6 +802,7 @@ class SamplePlan {
                 line.push_back({from.after, 0});
                 line.push_back({to.before, 0});
                 AcDbObjectId id = addOutline(line, kRedLineLayer, false);
+                roadRedLines_.append(id);
                 if (id.isNull() ||
                     !writeRecord(
                         id, dk::FAPP_KXROAD, L"道路红线",
@@ -783,6 +919,21 @@ class SamplePlan {
         }
         if (!written) return fail("cannot write the record of " + utf8(number));
         Pt middle = centroid(outline);
+        double floorArea = far ? std::round(area) * std::wcstod(far, nullptr) : 0;
+        double people = 0;
+        for (const auto& [key, value] : fields) {
+            if (std::wstring(key) == dk::FN_ZRKS) people = std::wcstod(value.c_str(), nullptr);
+        }
+        parcels_.push_back({id, number, c, p, std::round(area), floorArea, people, middle,
+                            !islands.isEmpty(), islands});
+        const wchar_t* generation = p.generation == Generation::Current  ? L"3"
+                                    : p.generation == Generation::Second ? L"2"
+                                                                         : L"1";
+        kind("parcel").push_back({id,
+                                  {{L"generation", generation},
+                                   {L"kind", L"planned"},
+                                   {L"number", number},
+                                   {L"class", c->code}}});
         return addLabel({middle.x, middle.y + labelHeight * 0.7}, number, kNumberLayer,
                         labelHeight) &&
                addLabel({middle.x, middle.y - labelHeight * 0.7}, c->code, kCodeLayer, labelHeight);
@@ -879,10 +1030,243 @@ class SamplePlan {
             if (CDKBJXDInfo(id).SetXZData(keys, values) != 1) {
                 return fail("cannot write current parcel " + std::to_string(number));
             }
+            kind("parcel").push_back({id,
+                                      {{L"generation", L"3"},
+                                       {L"kind", L"current status"},
+                                       {L"number", parcelNumber(L"XZ", number)},
+                                       {L"class", c->code}}});
         }
         return true;
     }
 
+    // -------------------------------------------------------------- later records
+
+    // The parcels of a block ("A-") or of the whole unit (all blocks).
+    std::vector<const DrawnParcel*> parcelsOf(const std::wstring& prefix) const {
+        std::vector<const DrawnParcel*> found;
+        for (const DrawnParcel& p : parcels_) {
+            bool inUnit = prefix.empty() && p.number.size() > 1 && p.number[0] >= L'A' &&
+                          p.number[0] <= L'F' && p.number[1] == L'-';
+            if (inUnit || (!prefix.empty() && p.number.rfind(prefix, 0) == 0)) found.push_back(&p);
+        }
+        return found;
+    }
+
+    static std::wstring decimals(double v, int places) {
+        wchar_t text[32];
+        std::swprintf(text, 32, L"%.*f", places, v);
+        return text;
+    }
+
+    // Totals of a set of parcels as a unit or block records them.
+    static Fields totals(const std::vector<const DrawnParcel*>& parcels) {
+        double site = 0, floor = 0, people = 0, green = 0, ratioArea = 0, ratioSum = 0;
+        std::wstring facilities;
+        for (const DrawnParcel* p : parcels) {
+            site += p->area;
+            floor += p->floorArea;
+            people += p->people;
+            if (p->cls->code[0] == L'G') green += p->area;
+            if (p->cls->greenRatio) {
+                ratioArea += p->area;
+                ratioSum += p->area * std::wcstod(p->cls->greenRatio, nullptr);
+            }
+            if (p->plot.facilities) {
+                facilities += (facilities.empty() ? L"" : L"=") + std::wstring(p->plot.facilities);
+            }
+        }
+        Fields fields = {{dk::FDC_ZJRK, whole(people)},
+                         {dk::FDC_ZYDMJ, whole(site)},
+                         {dk::FDC_ZJJZMJ, whole(floor)},
+                         {dk::FDC_GYLDMJ, whole(green)},
+                         {dk::FDC_PJRJL, decimals(floor / site, 2)},
+                         {dk::FDC_PJLDL, decimals(ratioSum / ratioArea, 1)}};
+        if (!facilities.empty()) fields.push_back({dk::FS_PTSS, facilities});
+        return fields;
+    }
+
+    // The indicators of the unit and its blocks, from the parcels drawn in them.
+    bool addIndicators() {
+        std::vector<WrittenRecord>& blocks = kind("block");
+        for (std::size_t i = 0; i < blocks_.size(); ++i) {
+            std::wstring prefix = std::wstring(blocks_[i].letter) + L"-";
+            Fields fields = totals(parcelsOf(prefix));
+            fields.push_back({dk::FS_SJDX, kGuidance[i]});
+            fields.push_back({dk::FS_GXSJ, L"2024年6月"});
+            fields.push_back({dk::FS_SJSJ, L"2024年3月"});
+            AcDbObjectId id = blockIds_[static_cast<int>(i)];
+            if (!writeFields(CJFBJInfo(id), fields)) {
+                return fail("cannot write the indicators of block " + utf8(blocks_[i].letter));
+            }
+            blocks.push_back(areaRecord(id,
+                                        {{dk::FS_JFBH, blockNumber(blocks_[i])},
+                                         {dk::FS_DYBH, kUnitNumber},
+                                         {dk::FS_ZDGN, blocks_[i].function}},
+                                        fields, prefix));
+        }
+        Fields fields = totals(parcelsOf(L""));
+        fields.push_back({dk::FDC_JSYDMJ, fields[1].second});
+        fields.push_back({dk::FD_FJSYDMJ, L"0"});
+        fields.push_back({dk::FS_PZWH, L"锦政规〔2024〕18号"});
+        fields.push_back({dk::FS_GXSJ, L"2024年6月"});
+        fields.push_back({dk::FS_SJSJ, L"2024年3月"});
+        kind("unit").push_back(areaRecord(unitId_,
+                                          {{dk::FS_DYBH, kUnitNumber},
+                                           {dk::FS_ZDGN, L"居住、公共服务、工业"},
+                                           {dk::FS_BZ, L"锦溪片区02单元"}},
+                                          fields, L""));
+        return writeFields(CDYBJInfo(unitId_), fields) ||
+               fail("cannot write the unit's indicators");
+    }
+
+    std::vector<WrittenRecord>& kind(const std::string& name) {
+        for (auto& [kindName, records] : written_) {
+            if (kindName == name) return records;
+        }
+        written_.push_back({name, {}});
+        return written_.back().second;
+    }
+
+    // A unit or block as listed: its fields, and the current-generation parcels it holds.
+    WrittenRecord areaRecord(AcDbObjectId id, const Fields& first, const Fields& then,
+                             const std::wstring& prefix) const {
+        WrittenRecord record{id, {}};
+        for (const Fields* fields : {&first, &then}) {
+            for (const auto& [key, value] : *fields)
+                record.values.push_back({key, value});
+        }
+        std::wstring numbers;
+        int count = 0;
+        for (const DrawnParcel* p : parcelsOf(prefix)) {
+            if (p->plot.generation != Generation::Current) continue;
+            numbers += (numbers.empty() ? L"" : L" ") + p->number;
+            ++count;
+        }
+        record.values.push_back({L"parcels", std::to_wstring(count)});
+        record.values.push_back({L"parcel_numbers", numbers});
+        return record;
+    }
+
+    // Road red lines are red-line records of the road kind; the sites given out for
+    // development get red lines of the site kind along their outline.
+    bool addRedLineKinds() {
+        std::vector<WrittenRecord>& lines = kind("redline");
+        for (AcDbObjectId id : roadRedLines_) {
+            if (!CGHHXInfo(id).SetData(dk::LBL_GHLX, kRoadRedLine)) {
+                return fail("cannot write a road red line's kind");
+            }
+            lines.push_back({id, {{dk::LBL_GHLX, kRoadRedLine}, {L"space", L"model"}}});
+        }
+        for (const wchar_t* number : kSiteRedLines) {
+            const DrawnParcel* parcel = findParcel(number);
+            if (parcel == nullptr) return fail("no parcel " + utf8(number));
+            AcDbObjectId id = kova::ent::Copy(parcel->id);
+            if (id.isNull() || !FDelXData(id, CString(dk::FAPP_GHDK)) ||
+                !setLayer(id, kRedLineLayer) ||
+                !CGHHXInfo(id).SetData(dk::LBL_GHLX, kSiteRedLine)) {
+                return fail("cannot draw the site red line of " + utf8(number));
+            }
+            lines.push_back({id, {{dk::LBL_GHLX, kSiteRedLine}, {L"space", L"model"}}});
+        }
+        return true;
+    }
+
+    const DrawnParcel* findParcel(const std::wstring& number) const {
+        for (const DrawnParcel& p : parcels_) {
+            if (p.number == number) return &p;
+        }
+        return nullptr;
+    }
+
+    bool setLayer(AcDbObjectId id, const wchar_t* layer) {
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenAcDbEntity(entity, id, AcDb::kForWrite) != Acad::eOk) return false;
+        Acad::ErrorStatus es = entity->setLayer(layer);
+        entity->close();
+        return es == Acad::eOk;
+    }
+
+    bool addBuildings() {
+        if (!addLayer(kBuildingLayer, indexColor(8), L"Continuous", 18)) return false;
+        for (const Building& b : kBuildings) {
+            const DrawnParcel* parcel = findParcel(b.parcel);
+            if (parcel == nullptr) return fail("no parcel " + utf8(b.parcel));
+            Pt p0 = add(parcel->middle, {b.dx, b.dy});
+            AcDbObjectId id = addOutline(
+                polygon({p0, {p0.x + b.w, p0.y}, {p0.x + b.w, p0.y + b.h}, {p0.x, p0.y + b.h}}),
+                kBuildingLayer, true);
+            double floors = std::wcstod(b.storeys, nullptr);
+            if (id.isNull() ||
+                !writeFields(CJZBJInfo(id), {{dk::FS_JZBH, b.number},
+                                             {dk::FS_JZMC, b.name},
+                                             {dk::FN_JZCS, b.storeys},
+                                             {dk::FD_JZGD, b.height},
+                                             {dk::FD_JZZDMJ, whole(b.w * b.h)},
+                                             {dk::FD_JZMJ, whole(b.w * b.h * floors)},
+                                             {dk::FS_JZXZ, b.use}})) {
+                return fail("cannot write the building " + utf8(b.number));
+            }
+            kind("building")
+                .push_back({id,
+                            {{dk::FS_JZBH, b.number},
+                             {dk::FS_JZMC, b.name},
+                             {dk::FN_JZCS, b.storeys},
+                             {dk::FD_JZGD, b.height},
+                             {dk::FD_JZZDMJ, whole(b.w * b.h)},
+                             {dk::FD_JZMJ, whole(b.w * b.h * floors)},
+                             {dk::FS_JZXZ, b.use}}});
+        }
+        return true;
+    }
+
+    // The green, plaza and water parcels hatched in their class's pattern on the class's
+    // hatch layer, each hatch made from its parcel's outline (and islands) and recording
+    // the parcel's number and class.
+    bool addHatches() {
+        for (const DrawnParcel& p : parcels_) {
+            const HatchStyle* style = nullptr;
+            for (const HatchStyle& h : kHatchStyles) {
+                if (std::wstring(h.cls) == p.cls->code) style = &h;
+            }
+            if (style == nullptr || p.plot.generation != Generation::Current) continue;
+            std::wstring layer = std::wstring(L"GH-") + p.cls->layerCode + L"-TC";
+            AcCmColor color;
+            color.setRGB(p.cls->red, p.cls->green, p.cls->blue);
+            if (!addLayer(layer, color, L"Continuous", -3)) return false;
+            auto* hatch = new AcDbHatch();
+            hatch->setPatternScale(style->scale);
+            hatch->setPatternAngle(style->angle);
+            hatch->setPattern(AcDbHatch::kPreDefined, style->pattern);
+            hatch->setLayer(layer.c_str());
+            AcDbObjectIdArray outer;
+            outer.append(p.id);
+            hatch->appendLoop(AcDbHatch::kExternal, outer);
+            if (p.hasIslands) hatch->appendLoop(AcDbHatch::kDefault, p.islands);
+            AcDbEntity* entity = hatch;
+            AcDbObjectId id = kova::ent::SafeAddToDb(entity, &database_);
+            CStringArray labels, values;
+            labels.Add(dk::LBL_DKBH);
+            values.Add(p.number.c_str());
+            labels.Add(dk::LBL_DKLB);
+            values.Add(p.cls->code);
+            if (id.isNull() || CDKTCInfo(id).SetData(labels, values) != 1) {
+                return fail("cannot hatch " + utf8(p.number));
+            }
+            kind("hatch").push_back({id,
+                                     {{dk::FS_DKBH, p.number},
+                                      {dk::FS_DKXZ, p.cls->code},
+                                      {L"pattern", style->pattern},
+                                      {L"parcel", handleOf(p.id)}}});
+        }
+        return true;
+    }
+
+    static constexpr const wchar_t* kGuidance[] = {
+        L"沿街商业与住区结合，小学居中布置", L"商务商业沿湖滨路集中，内部为住区",
+        L"工业仓储集中，东侧设防护绿带",     L"新旧住区结合，保留既有住宅",
+        L"中心公园与市民广场为核心",         L"以住区为主，设邻里中心",
+    };
+    static constexpr const wchar_t* kBuildingLayer = L"GH-建筑轮廓线";
     static constexpr const wchar_t* kScopeLayer = L"GH-规划范围线";
     static constexpr const wchar_t* kRedLineLayer = L"GH-道路红线";
     static constexpr const wchar_t* kUnitLayer = L"GH-规划单元";
@@ -892,12 +1276,16 @@ class SamplePlan {
     static constexpr const wchar_t* kUnitNumber = L"JX-02";
 
     AcDbDatabase& database_;
+    Written written_;
+    AcDbObjectId unitId_;
+    AcDbObjectIdArray blockIds_, roadRedLines_;
+    std::vector<DrawnParcel> parcels_;
     std::vector<Block> blocks_ = layoutBlocks();
     std::vector<LoosePlot> eastStrip_ = layoutEastStrip();
     std::string error_;
 };
 
-int run(const std::string& path) {
+int run(const std::string& path, const std::string& recordsPath) {
     db::LeakCounts before = db::leakCounts();
     // Records are created for the planning type in force: a regulatory plan.
     CKovaDataSet::FSetNameDict_GHType(L"KG,控制性详细规划");
@@ -918,6 +1306,15 @@ int run(const std::string& path) {
         std::error_code ec;
         bool hadBackup = std::filesystem::exists(path + ".bak", ec);
         ok = dxf::save(database, path, error);
+        if (ok && !recordsPath.empty()) {
+            std::ofstream out(recordsPath, std::ios::binary);
+            out << plan.recordsJson();
+            out.close();
+            if (!out) {
+                error = recordsPath + ": cannot write the records";
+                ok = false;
+            }
+        }
         // The previous sample is in version control: a backup beside it would only be
         // committed by mistake.
         if (ok && !hadBackup) std::filesystem::remove(path + ".bak", ec);
@@ -933,9 +1330,9 @@ int run(const std::string& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr << "usage: make_sample_plan OUT.dxf\n";
+    if (argc != 2 && argc != 3) {
+        std::cerr << "usage: make_sample_plan OUT.dxf [RECORDS.json]\n";
         return 1;
     }
-    return run(argv[1]);
+    return run(argv[1], argc == 3 ? argv[2] : "");
 }

@@ -3,6 +3,7 @@
 #include "host/arx/acutads.h"
 #include "host/arx/dbhatch.h"
 #include "host/kova/KovaDat.h"
+#include "host/kova/KovaGeo.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/DKScan.h"
@@ -32,6 +33,35 @@ int keepWhere(const wchar_t* label, const wchar_t* wanted, const AcDbObjectIdArr
         if (live(id) && trimmedValue(hatch, label) == wanted) out.add(id, true);
     }
     return ids.length();
+}
+
+// The filled area of a hatch that holds the point: its outer loop's area, or 0 when the
+// point is outside it or inside one of its holes (and for anything not a hatch).
+double areaHolding(AcDbObjectId id, const AcGePoint3d& point) {
+    AcDbEntity* entity = nullptr;
+    if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) return 0;
+    double outer = 0;
+    bool inHole = false;
+    if (AcDbHatch* hatch = AcDbHatch::cast(entity)) {
+        for (int i = 0; i < hatch->numLoops(); ++i) {
+            Adesk::Int32 type = 0;
+            AcGePoint2dArray vertices;
+            AcGeDoubleArray bulges;
+            if (hatch->getLoopAt(i, type, vertices, bulges) != Acad::eOk) continue;
+            AcGePoint3dArray points;
+            for (const AcGePoint2d& v : vertices)
+                points.append(AcGePoint3d(v.x, v.y, 0));
+            if (!kova::geo::IsPtInArea(point, points, bulges)) continue;
+            // The first loop stands for the outer one when no loop is marked so.
+            if ((type & (AcDbHatch::kExternal | AcDbHatch::kOutermost)) != 0 || i == 0) {
+                outer = kova::geo::GetPolyArea(points, bulges);
+            } else {
+                inHole = true;
+            }
+        }
+    }
+    entity->close();
+    return inHole ? 0 : outer;
 }
 
 }  // namespace
@@ -125,4 +155,18 @@ int CDKTCInfo::GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids) {
 int CDKTCInfo::GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids,
                        const AcDbObjectIdArray& candidates) {
     return keepWhere(dk::LBL_DKLB, cls, candidates, ids);
+}
+
+int CDKTCInfo::GetDktc(const AcGePoint3d& point, AcDbObjectId& id) {
+    AcDbObjectIdArray ids;
+    GetDktc(ids);
+    double best = 0;
+    for (AcDbObjectId candidate : ids) {
+        double area = areaHolding(candidate, point);
+        if (area > 0 && (best == 0 || area < best)) {
+            best = area;
+            id = candidate;
+        }
+    }
+    return best > 0 ? 1 : 0;
 }

@@ -6,6 +6,7 @@
 //
 // Every member returns 0 at once when no entity is bound; nothing is reported to the user.
 #include "host/arx/dbmain.h"
+#include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 
@@ -51,6 +52,9 @@ class CDKTCInfo {
     static int GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids);
     static int GetDktc(const wchar_t* cls, AcDbObjectIdArray& ids,
                        const AcDbObjectIdArray& candidates);
+    // The hatch record of the current space whose outer loop holds the point and none of
+    // whose inner loops does (the smallest when several do); 1 when found.
+    static int GetDktc(const AcGePoint3d& point, AcDbObjectId& id);
 
   private:
     AcDbObjectId m_id;

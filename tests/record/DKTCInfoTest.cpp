@@ -84,3 +84,38 @@ TEST_F(DKTCInfoTest, ScansKeepToTheCurrentSpace) {
     EXPECT_EQ(CDKTCInfo::GetDktc(L"R21", ids, candidates), 1);
     EXPECT_EQ(ids[0], b);
 }
+
+TEST_F(DKTCInfoTest, APointFindsTheHatchFillingIt) {
+    // A park hatched round its island, and a small hatch inside the island.
+    AcDbObjectId park = addRectangle(0, 0, 100, 100);
+    AcDbObjectId island = addRectangle(40, 40, 60, 60);
+    auto* ring = new AcDbHatch();
+    AcDbObjectIdArray outer, inner;
+    outer.append(park);
+    inner.append(island);
+    ring->appendLoop(AcDbHatch::kExternal, outer);
+    ring->appendLoop(AcDbHatch::kDefault, inner);
+    AcDbObjectId ringId = addEntity(ring);
+    CDKTCInfo(ringId).SetData(L"地块编号", L"E-04");
+    auto* small = new AcDbHatch();
+    small->appendLoop(AcDbHatch::kExternal, inner);
+    AcDbObjectId smallId = addEntity(small);
+    CDKTCInfo(smallId).SetData(L"地块编号", L"E-05");
+    // A hatch without a record over (5, 2): not one of the parcel hatches.
+    hatch(L"SOLID");
+    struct Case {
+        double x, y;
+        AcDbObjectId found;
+    } cases[] = {
+        {20, 20, ringId},
+        {50, 50, smallId},
+        {5, 2, ringId},
+        {150, 50, AcDbObjectId()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.x);
+        AcDbObjectId id;
+        EXPECT_EQ(CDKTCInfo::GetDktc(AcGePoint3d(c.x, c.y, 0), id), c.found.isNull() ? 0 : 1);
+        EXPECT_EQ(id, c.found);
+    }
+}

@@ -141,6 +141,7 @@ int runInfo(const std::string& path) {
         }
     }
     (void)blocks;
+    acDocManager->closeDocument(document);
     return 0;
 }
 

@@ -154,16 +154,8 @@ int EnclosedParcels(AcDbObjectId outline, AcDbObjectIdArray& parcels) {
 
 // ------------------------------------------------------------------ CBoundaryRecord
 
-namespace {
-
-bool liveId(AcDbObjectId id) {
-    return id.isValid() && !id.isErased();
-}
-
-}  // namespace
-
 int CBoundaryRecord::SetObject(AcDbObjectId id) {
-    if (!liveId(id)) return 0;
+    if (!dk::live(id)) return 0;
     m_id = id;
     return 1;
 }
@@ -186,7 +178,7 @@ int CBoundaryRecord::ensureRecord() {
 }
 
 int CBoundaryRecord::GetData(const wchar_t* label, CString& value) const {
-    if (!liveId(m_id) || label == nullptr) return 0;
+    if (!dk::live(m_id) || label == nullptr) return 0;
     const wchar_t* key = dk::KeyOfLabel(kind_->fields.first(kind_->mappedLabels), label);
     return ARX_DATA::CFGisXData::GetFrom(m_id, key, value);
 }
@@ -196,7 +188,7 @@ int CBoundaryRecord::SetData(const wchar_t* label, const wchar_t* value) {
 }
 
 int CBoundaryRecord::SetData(const wchar_t* label, const wchar_t* value, const wchar_t* appName) {
-    if (!liveId(m_id) || label == nullptr || !ensureRecord()) return 0;
+    if (!dk::live(m_id) || label == nullptr || !ensureRecord()) return 0;
     const wchar_t* key = dk::KeyOfLabel(kind_->fields.first(kind_->mappedLabels), label);
     return ARX_DATA::CFGisXData::SetTo(m_id, key, value ? value : L"", appName ? appName : L"");
 }
@@ -206,13 +198,13 @@ int CBoundaryRecord::GetData(CStringArray& labels, CStringArray& values) const {
 }
 
 int CBoundaryRecord::SetData(const CStringArray& labels, const CStringArray& values) {
-    if (!liveId(m_id) || !ensureRecord()) return 0;
+    if (!dk::live(m_id) || !ensureRecord()) return 0;
     return dk::WriteLabelled(m_id, kind_->fields, labels, values, nullptr);
 }
 
 int CBoundaryRecord::SetData(const CStringArray& labels, const CStringArray& values,
                              const CStringArray& appNames) {
-    if (!liveId(m_id) || !ensureRecord()) return 0;
+    if (!dk::live(m_id) || !ensureRecord()) return 0;
     return dk::WriteLabelled(m_id, kind_->fields, labels, values, &appNames);
 }
 

@@ -193,6 +193,11 @@ TEST_F(KovaAttribSetFieldsTest, MinimumListsStandWithoutAnyFile) {
     CKovaAttribSet::FGetDXKJMinAppName(keys_, aliases_, 0);
     EXPECT_EQ(aliases_[0], CString(L"现状地下编号"));
     EXPECT_EQ(CKovaAttribSet::FGetDXKJAlias(L"FS_DXKJBH", 0), CString(L"现状地下编号"));
+    // The planned flag picks the section for the switched-on fields too.
+    EXPECT_EQ(CKovaAttribSet::FGetDXKJValidAppName(keys_, aliases_, 1), 1);
+    EXPECT_EQ(utf8(aliases_), Strings{"规划地下编号"});
+    EXPECT_EQ(CKovaAttribSet::FGetDXKJValidAppName(keys_, aliases_, 0), 1);
+    EXPECT_EQ(utf8(aliases_), Strings{"现状地下编号"});
 }
 
 TEST_F(KovaAttribSetFieldsTest, EachKindReadsItsOwnSection) {

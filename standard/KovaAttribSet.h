@@ -4,6 +4,7 @@
 // may change between two commands, and nothing here may go stale.
 #include <map>
 
+#include "host/arx/dbcolor.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 
@@ -53,6 +54,80 @@ class CKovaAttribSet {
     const CStringMap& HatchMap() const { return m_mapHatch; }
     const CStringMap& RemarkMap() const { return m_mapRemark; }
 
+    // Class colours. A colour index is -1 when none is found; a full colour not found is
+    // left at its default. "Cur" members read the current class table ("_地下.txt" variant
+    // when aboveGround is 0), keep their answers in the drawing's colour cache
+    // "FQMDKCOLOR" (keys "FL_FZ_YDGH_<code>" for fills, "FL_YS_YDGH_<code>" for
+    // boundaries, "_DX" appended below ground) and answer from it first; the table-wide
+    // colour of section "地块颜色" overrides every class line. "CurStandard" members leave
+    // the drawing cache out; "CurClass" members also the table-wide colour. "KB" takes the
+    // colour of the layer "FL_FZ_YDGH_KB" (boundaries "FL_YS_YDGH_KB") of the layer
+    // standard, 7 when it has none (then nothing is cached). A compound code "R2/B1"
+    // without a colour of its own takes the colour of its first code. The colour of a
+    // code is that of its first line with a "$" field (codes ignore ASCII case).
+    static int FGetColorFromCur(const CString& code, int aboveGround);
+    static int FGetColorFromCur(const CString& code);
+    static int FGetColorFromCurStandard(const CString& code, int aboveGround);
+    static int FGetColorFromCurClass(const CString& code, int aboveGround);
+    // A true colour comes back as set by setRGB, not reduced to an index. A compound code
+    // is cached in the form of its colour ("%d,%d,%d" for a true colour).
+    static AcCmColor FGetCmColorFromCur(const CString& code, int aboveGround);
+    static AcCmColor FGetCmColorFromCurStandard(const CString& code, int aboveGround);
+    static AcCmColor FGetCmColorFromCurClass(const CString& code, int aboveGround);
+    static int FGetDKBJColorFromCur(const CString& code, int aboveGround);
+    static int FGetDKBJColorFromCurStandard(const CString& code, int aboveGround);
+    static int FGetDKBJColorFromCurClass(const CString& code, int aboveGround);
+    static AcCmColor FGetDKBJCmColorFromCur(const CString& code, int aboveGround);
+    static AcCmColor FGetDKBJCmColorFromCurStandard(const CString& code, int aboveGround);
+    static AcCmColor FGetDKBJCmColorFromCurClass(const CString& code, int aboveGround);
+    // The national tables "1990国标城市用地类别.txt" (OLDGB) and "2011国标城乡用地类别.txt"
+    // (NEWGB) of the current standard (of "通用国标" when it has no copy): no drawing
+    // cache, no "KB" rule; the fill members have no compound fallback either.
+    static int FGetColorFromOLDGB(const CString& code, int aboveGround);
+    static int FGetColorFromOLDGB(const CString& code);
+    static int FGetColorFromNEWGB(const CString& code, int aboveGround);
+    static int FGetColorFromNEWGB(const CString& code);
+    static int FGetDKBJColorFromOLDGB(const CString& code, int aboveGround);
+    static int FGetDKBJColorFromNEWGB(const CString& code, int aboveGround);
+
+    // The object's colour map: four maps from class code to colour text. Types 0 to 3
+    // pick one map (the callers decide what each holds, by convention DKCOLORTYPE);
+    // any other type means all four for Add and Clear and none for Find.
+    enum DKCOLORTYPE {
+        DKCOLOR_FILL = 0,
+        DKCOLOR_BOUNDARY = 1,
+        DKCOLOR_HATCH = 2,
+        DKCOLOR_TEXT = 3
+    };
+    // Stores only when code and colour are both non-empty.
+    void AddColorMap(const CString& code, const CString& colour, int type);
+    // 1 with the stored colour text, else 0 and colour untouched.
+    int FindColorByClass(const CString& code, CString& colour, int type) const;
+    void ClearColorMap(int type);
+
+    // Class hatches: the "@" field "pattern/scale/angle" of the first line of the code that
+    // has one, with scale and angle rounded to whole numbers. The outputs are written
+    // only for a field of exactly three parts (a later "*" or "&" ends it; a remark after
+    // it stays in the angle, which is read up to the blank); otherwise the caller's
+    // defaults stand.
+    static void FGetHatchFromCur(const CString& code, CString& pattern, double& scale,
+                                 double& angle);
+    // Always the underground variant ("_地下.txt") of the current table.
+    static void FGetHatchFromCurDX(const CString& code, CString& pattern, double& scale,
+                                   double& angle);
+    static void FGetHatchFromNEWGB(const CString& code, CString& pattern, double& scale,
+                                   double& angle);
+    static void FGetHatchFromOLDGB(const CString& code, CString& pattern, double& scale,
+                                   double& angle);
+    // The colour of the hatch pattern: the table-wide "图案颜色" of section "地块颜色" when
+    // set, else the class's own colour; "KB" that of the layer "FL_FZ_YDGH_KB", a compound
+    // code that of its first code. Never cached in the drawing. -1 / default when none.
+    static int FGetHatchColorIndexFromCur(const CString& code, int aboveGround);
+    static AcCmColor FGetHatchCmColorFromCur(const CString& code, int aboveGround);
+    // The value formatted with that many decimals and read back, rounded as printf rounds
+    // (2.5 gives 2, 3.5 gives 4).
+    static double FCutNum(double value, int decimals);
+
   protected:
     CStringMap m_mapBJLayer;  // "*" field
     CStringMap m_mapTCLayer;  // "&" field
@@ -60,4 +135,7 @@ class CKovaAttribSet {
     CStringMap m_mapColor;    // "$" field
     CStringMap m_mapHatch;    // "@" field
     CStringMap m_mapRemark;   // "#" field
+
+    // The colour map, one per DKCOLORTYPE.
+    CStringMap m_mapDKColor[4];
 };

@@ -1,0 +1,23 @@
+#pragma once
+// Where the class-table lookups find their tables, parsed through the shared cache.
+#include <memory>
+
+#include "host/mfc/CString.h"
+#include "standard/ParsedClassTable.h"
+
+namespace classtable {
+
+// Which table a lookup reads: the current one, or a national standard.
+enum class Source { Current, OldNational, NewNational };
+
+// "x.txt" becomes "x_地下.txt".
+CString UndergroundName(const CString& fileName);
+// The path of the table ("" when it does not exist); aboveGround 0 for the "_地下" one.
+// The national tables come from the current standard, else from "通用国标".
+CString PathOf(Source source, int aboveGround = 1);
+// The parsed table, null when it does not exist or cannot be read.
+std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround = 1);
+// The national table of the common standard "通用国标" whatever the current one.
+std::shared_ptr<const ParsedClassTable> OpenCommon(Source source);
+
+}  // namespace classtable

@@ -7,8 +7,9 @@
 
 namespace classtable {
 
-// Which table a lookup reads: the current one, or a national standard.
-enum class Source { Current, OldNational, NewNational };
+// Which table a lookup reads: the current one, or a national standard (of the current
+// standard, else of "通用国标"; the Common ones always of "通用国标").
+enum class Source { Current, OldNational, NewNational, CommonOldNational, CommonNewNational };
 
 // "x.txt" becomes "x_地下.txt".
 CString UndergroundName(const CString& fileName);
@@ -17,7 +18,7 @@ CString UndergroundName(const CString& fileName);
 CString PathOf(Source source, int aboveGround = 1);
 // The parsed table, null when it does not exist or cannot be read.
 std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround = 1);
-// The national table of the common standard "通用国标" whatever the current one.
-std::shared_ptr<const ParsedClassTable> OpenCommon(Source source);
+// The entry of a code, else for a compound code that of its first code; null when none.
+const ParsedClassTable::Entry* FindOrFirst(const ParsedClassTable& table, const CString& code);
 
 }  // namespace classtable

@@ -128,6 +128,71 @@ class CKovaAttribSet {
     // (2.5 gives 2, 3.5 gives 4).
     static double FCutNum(double value, int decimals);
 
+    // Layer affixes of section "用地图层前后缀" of the current class table. 1 with the
+    // values (each trimmed, "" when the key is missing); 0 with the outputs untouched when
+    // the table does not exist. The three-argument forms deliberately have no hatch prefix.
+    static int FGetGHDKLayerPreSuffix(CString& boundaryPrefix, CString& boundarySuffix,
+                                      CString& hatchSuffix);
+    static int FGetGHDKLayerPreSuffix(CString& boundaryPrefix, CString& boundarySuffix,
+                                      CString& hatchPrefix, CString& hatchSuffix);
+    static int FGetXZDKLayerPreSuffix(CString& boundaryPrefix, CString& boundarySuffix,
+                                      CString& hatchSuffix);
+    static int FGetXZDKLayerPreSuffix(CString& boundaryPrefix, CString& boundarySuffix,
+                                      CString& hatchPrefix, CString& hatchSuffix);
+    // The boundary / hatch layer of a class, as the four-map table reader gives it: the
+    // class line's "*" / "&" field (after a blank), else the table's fixed layer, else
+    // prefix + code + suffix (the bare code when the table sets neither). The keys are
+    // those of the table's kind (规划 or 现状). A compound code without a line of its own
+    // takes the layer of its first code. "" when the table does not exist.
+    static CString FGetLayerNameFromCur(const CString& code);
+    static CString FGetTCLayerNameFromCur(const CString& code);
+    // The same from the underground variant ("_地下.txt") of the current table.
+    static CString FGetDXKJLayerNameFromCur(const CString& code);
+    static CString FGetDXKJTCLayerNameFromCur(const CString& code);
+    // Rewrites the code as the current table writes it ("r2" becomes "R2"): 1 when a
+    // line matched; 0 with the code unchanged when none does or there is no table.
+    static int FExchangeClass(CString& code);
+    // Boundary layer, hatch layer (the boundary layer + "-TC") and fill colour index of a
+    // class in the national table of "通用国标" (1990 or 2011), the first code deciding
+    // for a compound code. 1 when the table holds the class; 0 with outputs untouched.
+    static int FGetDKLayerAndColorFromOldGB(const CString& code, CString& boundaryLayer,
+                                            CString& hatchLayer, int& colourIndex);
+    static int FGetDKLayerAndColorFromNewGB(const CString& code, CString& boundaryLayer,
+                                            CString& hatchLayer, int& colourIndex);
+    // The class of road parcels: key "用地类别" of section "道路地块" of the current table,
+    // "S1" when it sets none.
+    static CString FGetRoadDKClass();
+
+    // Class names and remarks. A class is known to the current table when it has a line
+    // (a compound code when its first code has). The drawing may name classes of its own
+    // in its dictionary "FQMDKXZMS" under "FL_YS_YDGH_<code>" (planned) or
+    // "FL_YS_YDXZ_<code>" (current status), the value being the name.
+    // 1 when the current table or the drawing knows the class.
+    static int FFindClassFromCur(const CString& code);
+    // 1 when the current table knows the class.
+    static int FFindClassFromCurStandard(const CString& code);
+    // The name of a class: the drawing's own name ("Cur" only), else the table's, else a
+    // built-in name: "KB" 空白用地, "GS" 高速公路用地, "ZG" 在建工地, "KS" 矿山用地,
+    // "CG" 城改用地, "ZL" 自留地, "QT" 其他用地, "TD" 铁道用地. A compound code without a
+    // name of its own gets the names of its parts joined by "/" (a part without a name
+    // keeps its code), when at least one part has one. "" when nothing names it.
+    static CString FGetDKXZMCFromCur(const CString& code);
+    static CString FGetDKXZMCFromCurStandard(const CString& code);
+    static CString FGetDKXZMCFromNEWGB(const CString& code);
+    static CString FGetDKXZMCFromOLDGB(const CString& code);
+    // The 2011 code and name of a 1990 code from "参数配置\新旧标准代码转换输入表.txt". The
+    // table has one line per old class: "旧代码,旧名称,新代码,新名称[,说明]", fields
+    // separated by ASCII commas and trimmed; empty lines and lines starting with ";" or
+    // "[" are skipped, as are lines with fewer than four fields or an empty old or new
+    // code. The first line of an old code counts (ASCII case ignored). 1 with the new
+    // code and name; 0 with the outputs untouched.
+    static int FGetDKXZMCFromOldNewTbl(const CString& oldCode, CString& newCode, CString& newName);
+    // The remark ("#" field) of a class, the first code deciding for a compound code
+    // without a line of its own; "" when none.
+    static CString FGetBZFromCur(const CString& code);
+    static CString FGetBZFromNEWGB(const CString& code);
+    static CString FGetBZFromOLDGB(const CString& code);
+
   protected:
     CStringMap m_mapBJLayer;  // "*" field
     CStringMap m_mapTCLayer;  // "&" field

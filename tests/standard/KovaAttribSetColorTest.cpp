@@ -203,6 +203,22 @@ TEST_F(KovaAttribSetColorTest, BadTablesGiveEmptyAnswers) {
         EXPECT_EQ(CKovaAttribSet::FGetDKBJCmColorFromCur(L"R2", 1), AcCmColor());
         EXPECT_EQ(CKovaAttribSet::FGetHatchColorIndexFromCur(L"R2", 1), -1);
         EXPECT_EQ(cached(L"FL_FZ_YDGH_R2"), CString(L"<none>"));
+        // The other lookups of the table give their empty answers too.
+        CString pattern = L"SOLID";
+        double scale = 1, angle = 0;
+        CKovaAttribSet::FGetHatchFromCur(L"R2", pattern, scale, angle);
+        EXPECT_EQ(pattern, CString(L"SOLID"));
+        EXPECT_EQ(scale, 1);
+        EXPECT_EQ(CKovaAttribSet::FGetDKXZMCFromCur(L"R2"), CString(L""));
+        EXPECT_EQ(CKovaAttribSet::FGetDKXZMCFromCur(L"KB"), CString(L"空白用地"));
+        EXPECT_EQ(CKovaAttribSet::FGetBZFromCur(L"R2"), CString(L""));
+        EXPECT_EQ(CKovaAttribSet::FFindClassFromCur(L"R2"), 0);
+        CString code = L"r2";
+        EXPECT_EQ(CKovaAttribSet::FExchangeClass(code), 0);
+        EXPECT_EQ(code, CString(L"r2"));
+        EXPECT_EQ(CKovaAttribSet::FGetLayerNameFromCur(L"R2"), CString(L"R2"))
+            << "a table without affixes: the bare code";
+        EXPECT_EQ(CKovaAttribSet::FGetRoadDKClass(), CString(L"S1"));
     }
     std::filesystem::remove(standards().writeClassTable(L""));
     EXPECT_EQ(CKovaAttribSet::FGetColorFromCur(L"R2", 1), -1) << "missing";

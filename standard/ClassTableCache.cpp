@@ -1,18 +1,24 @@
 #include "standard/ClassTableCache.h"
 
+#include <sys/stat.h>
+#include <sys/types.h>
+
 #include <chrono>
-#include <filesystem>
 #include <string>
-#include <system_error>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-fs::path nativePath(const CString& path) {
-    std::string utf8 = path.ToUtf8();
-    std::u8string text(utf8.begin(), utf8.end());
-    return fs::path(text);
+// Nanoseconds since the epoch, as finely as the platform keeps them.
+template <typename Info>
+std::int64_t modificationTime(const Info& info) {
+#if defined(_WIN32)
+    return static_cast<std::int64_t>(info.st_mtime) * 1000000000;
+#elif defined(__APPLE__)
+    return static_cast<std::int64_t>(info.st_mtimespec.tv_sec) * 1000000000 +
+           info.st_mtimespec.tv_nsec;
+#else
+    return static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
+#endif
 }
 
 }  // namespace
@@ -41,14 +47,20 @@ void ClassTableCache::Clear() {
 }
 
 bool ClassTableCache::StampOf(const CString& path, Stamp& stamp) {
-    std::error_code ec;
-    fs::path native = nativePath(path);
-    stamp.size = fs::file_size(native, ec);
-    if (ec) return false;
-    auto time = fs::last_write_time(native, ec);
-    if (ec) return false;
-    stamp.time = static_cast<std::int64_t>(time.time_since_epoch().count());
-    stamp.settled = fs::file_time_type::clock::now() - time > std::chrono::seconds(2);
+    // One status call for size and time: this runs on every lookup.
+#ifdef _WIN32
+    struct _stat64 info;
+    if (::_wstat64(path.GetString(), &info) != 0) return false;
+#else
+    struct stat info;
+    if (::stat(path.ToUtf8().c_str(), &info) != 0) return false;
+#endif
+    stamp.size = static_cast<std::uintmax_t>(info.st_size);
+    stamp.time = modificationTime(info);
+    auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                   std::chrono::system_clock::now().time_since_epoch())
+                   .count();
+    stamp.settled = now - stamp.time > std::chrono::nanoseconds(std::chrono::seconds(2)).count();
     return true;
 }
 

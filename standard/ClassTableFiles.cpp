@@ -1,5 +1,7 @@
 #include "standard/ClassTableFiles.h"
 
+#include <map>
+
 #include "host/kova/KovaDataSet.h"
 #include "standard/ClassTableCache.h"
 
@@ -31,23 +33,34 @@ CString UndergroundName(const CString& fileName) {
     return name;
 }
 
-CString PathOf(Source source, int aboveGround) {
+std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround) {
     CString file = fileOf(source);
     if (aboveGround == 0) file = UndergroundName(file);
     bool common = source == Source::CommonOldNational || source == Source::CommonNewNational;
     CString directory = common ? CString(CKovaDataSet::CommonStandardName()) + L"\\" + kClassDir
                                : CString(kClassDir);
-    CString path;
-    if (!CKovaDataSet::FGetGStandardOneFilePath(
-            path, directory, file, common ? L"" : CKovaDataSet::FGetStandardName().GetString(),
-            1)) {
-        return CString();
-    }
-    return path;
-}
+    CString standard = common ? CString() : CKovaDataSet::FGetStandardName();
 
-std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround) {
-    return ClassTableCache::Get(PathOf(source, aboveGround));
+    // A table found in the standard itself is asked for by its path alone: the cache's
+    // look at the file then also tells that it still exists, one status call per lookup.
+    // A table borrowed from "通用国标" is located anew every time, so that a copy the
+    // standard gains takes over at once.
+    static std::map<CString, CString> ownTables;
+    CString key = CKovaDataSet::FGetGStandardDirPath() + L"|" + standard + L"|" + directory + file;
+    auto known = ownTables.find(key);
+    if (known != ownTables.end()) {
+        if (auto table = ClassTableCache::Get(known->second)) return table;
+        ownTables.erase(known);
+    }
+    CString path;
+    if (CKovaDataSet::FGetGStandardOneFilePath(path, directory, file, standard, 0)) {
+        ownTables[key] = path;
+        return ClassTableCache::Get(path);
+    }
+    if (CKovaDataSet::FGetGStandardOneFilePath(path, directory, file, standard, 1)) {
+        return ClassTableCache::Get(path);
+    }
+    return nullptr;
 }
 
 const ParsedClassTable::Entry* FindOrFirst(const ParsedClassTable& table, const CString& code) {

@@ -13,10 +13,8 @@ enum class Source { Current, OldNational, NewNational, CommonOldNational, Common
 
 // "x.txt" becomes "x_地下.txt".
 CString UndergroundName(const CString& fileName);
-// The path of the table ("" when it does not exist); aboveGround 0 for the "_地下" one.
-// The national tables come from the current standard, else from "通用国标".
-CString PathOf(Source source, int aboveGround = 1);
-// The parsed table, null when it does not exist or cannot be read.
+// The parsed table, null when it does not exist or cannot be read; aboveGround 0 for the
+// "_地下" one. The national tables come from the current standard, else from "通用国标".
 std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround = 1);
 // The entry of a code, else for a compound code that of its first code; null when none.
 const ParsedClassTable::Entry* FindOrFirst(const ParsedClassTable& table, const CString& code);

@@ -3,6 +3,7 @@
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/fgbfile.h"
 #include "host/kova/fgdutil.h"
+#include "standard/ClassTableCache.h"
 #include "standard/ClassTableLine.h"
 
 namespace {
@@ -113,17 +114,8 @@ void CKovaAttribSet::FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayer
 }
 
 int CKovaAttribSet::FCurStandardIsGH(const CString& file) {
-    int planning = 1;
-    forEachLine(file, [&planning](const CString& text) {
-        CString line = text;
-        line.Trim();
-        if (line == L"[现状用地]" || line == L"[现状地块]") {
-            planning = 0;
-            return false;
-        }
-        return true;
-    });
-    return planning;
+    std::shared_ptr<const ParsedClassTable> table = ClassTableCache::Get(file);
+    return table ? table->IsPlanning() : 1;
 }
 
 int CKovaAttribSet::FCurStandardIsGH() {

@@ -2,6 +2,8 @@
 // The land-use class tables and the configuration files of the current standard.
 // Nearly everything is static and reads the files anew on each call: the settings
 // may change between two commands, and nothing here may go stale.
+// A class table is parsed once per version of its file (ClassTableCache): an edit on disk
+// counts at the next call.
 #include <map>
 
 #include "host/arx/dbcolor.h"

@@ -69,6 +69,17 @@ std::shared_ptr<const ParsedClassTable> ParsedClassTable::Load(const CString& pa
         table->addLine(line);
     }
     file.Close();
+    CStringArray sections;
+    table->ini_.GetSections(sections);
+    for (const CString& section : sections) {
+        CStringArray keys, values;
+        table->ini_.GetValue(section, keys, values);
+        for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+            CString value = values.GetAt(i);
+            value.Trim();
+            table->settings_.try_emplace(Key(section) + L"\n" + Key(keys.GetAt(i)), value);
+        }
+    }
     return table;
 }
 
@@ -110,7 +121,6 @@ const ParsedClassTable::Entry* ParsedClassTable::Find(const CString& code) const
 }
 
 CString ParsedClassTable::Setting(const wchar_t* section, const wchar_t* key) const {
-    CString value = ini_.GetValue(section, key);
-    value.Trim();
-    return value;
+    auto found = settings_.find(Key(section) + L"\n" + Key(key));
+    return found == settings_.end() ? CString() : found->second;
 }

@@ -51,5 +51,8 @@ class ParsedClassTable {
 
     fgbfile::CIniFile ini_;
     std::map<CString, Entry> entries_;
+    // Every ini value under "SECTION\nKEY" folded as Key() folds, the first one winning
+    // as in the ini reader.
+    std::map<CString, CString> settings_;
     int planning_ = 1;
 };

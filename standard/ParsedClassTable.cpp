@@ -66,6 +66,7 @@ std::shared_ptr<const ParsedClassTable> ParsedClassTable::Load(const CString& pa
             table->planning_ = 0;
         }
         if (line.IsEmpty() || line.GetAt(0) == L';' || line.GetAt(0) == L'[') continue;
+        table->classLines_.push_back(line);
         table->addLine(line);
     }
     file.Close();

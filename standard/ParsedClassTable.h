@@ -9,6 +9,7 @@
 // convention; "r2" finds "R2") and after trimming.
 #include <map>
 #include <memory>
+#include <vector>
 
 #include "host/kova/fgbfile.h"
 #include "host/mfc/CString.h"
@@ -42,6 +43,10 @@ class ParsedClassTable {
     int IsPlanning() const { return planning_; }
     CString Path() const { return ini_.GetPath(); }
 
+    // Every line of the file that may be a class line (trimmed; not empty, no comment, no
+    // section header), in file order, for the readers that build maps of their own.
+    const std::vector<CString>& ClassLines() const { return classLines_; }
+
     // The form in which codes are compared: trimmed, ASCII letters upper case.
     static CString Key(const CString& code);
 
@@ -51,6 +56,7 @@ class ParsedClassTable {
 
     fgbfile::CIniFile ini_;
     std::map<CString, Entry> entries_;
+    std::vector<CString> classLines_;
     // Every ini value under "SECTION\nKEY" folded as Key() folds, the first one winning
     // as in the ini reader.
     std::map<CString, CString> settings_;

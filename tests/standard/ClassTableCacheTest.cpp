@@ -36,8 +36,18 @@ TEST_F(ClassTableCacheTest, AnEditOnDiskIsSeenByTheNextLookup) {
     CKovaAttribSet::FGetHatchFromCur(L"R2", pattern, scale, angle);
     EXPECT_EQ(pattern, CString(L"ANSI37"));
     EXPECT_EQ(CKovaAttribSet::FGetBZFromCur(L"R2"), CString(L"乙"));
+    // The table readers share the cache.
+    age(table);
+    CKovaAttribSet set;
+    set.FReadCurFile();
+    EXPECT_EQ(set.NameMap().at(L"R2"), CString(L"居住场地"));
+    standards().writeClassTable(L"R2:居住绿地 $3 @ANSI37/2/45 #乙\n[现状地块]\n");
+    set.FReadCurFile();
+    EXPECT_EQ(set.NameMap().at(L"R2"), CString(L"居住绿地"));
+    EXPECT_EQ(CKovaAttribSet::FCurStandardIsGH(), 0);
     fs::remove(table);
     EXPECT_EQ(CKovaAttribSet::FGetColorFromCurClass(L"R2", 1), -1) << "removed";
+    EXPECT_EQ(CKovaAttribSet::FCurStandardIsGH(), 1);
     EXPECT_EQ(CKovaAttribSet::FGetDKXZMCFromCurStandard(L"R2"), CString(L""));
 }
 

@@ -1,20 +1,15 @@
 #pragma once
-// Names of land-use classes from the current class table, read once per run.
+// Names of land-use classes as the class lookups give them: the drawing's own names, the
+// current class table's, the built-in ones ("KB" 空白用地), and for a compound code the
+// names of its parts.
 #include <string>
-
-#include "standard/KovaAttribSet.h"
 
 namespace kplan::cli {
 
 class ClassNames {
   public:
-    ClassNames();
-    // The table's name of a code; a compound code ("B1/R2") gets the names of its parts
-    // joined the same way. "" for a code the table does not know.
+    // "" for a code nothing names.
     std::string of(const std::string& code) const;
-
-  private:
-    CStringMap names_;
 };
 
 }  // namespace kplan::cli

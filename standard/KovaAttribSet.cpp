@@ -3,6 +3,7 @@
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/fgbfile.h"
 #include "host/kova/fgdutil.h"
+#include "standard/ClassTableCache.h"
 #include "standard/ClassTableLine.h"
 
 namespace {
@@ -18,22 +19,6 @@ const wchar_t* const kTypeCacheSeparator = L",";
 
 CString currentClassTable() {
     return CKovaAttribSet::FGetCurStandardFile(kClassDir, CKovaDataSet::FGetCurYDLB(), 1);
-}
-
-// Calls `onLine` with every line of a text file; false when it cannot be opened.
-template <typename OnLine>
-bool forEachLine(const CString& path, OnLine onLine) {
-    if (path.IsEmpty() || !fgbfile::FileExist(path)) return false;
-    fgbfile::CFStdioFile file;
-    if (!file.Open(path, fgbfile::CFStdioFile::modeRead | fgbfile::CFStdioFile::typeText)) {
-        return false;
-    }
-    CString line;
-    while (file.ReadString(line)) {
-        if (!onLine(line)) break;
-    }
-    file.Close();
-    return true;
 }
 
 // The class's own layer, else the table's fixed one, else prefix + code + suffix; a
@@ -65,9 +50,11 @@ void CKovaAttribSet::FReadCurFile() {
     m_mapColor.clear();
     m_mapHatch.clear();
     m_mapRemark.clear();
-    forEachLine(currentClassTable(), [this](const CString& text) {
+    std::shared_ptr<const ParsedClassTable> table = ClassTableCache::Get(currentClassTable());
+    if (!table) return;
+    for (const CString& text : table->ClassLines()) {
         ClassTableLine line;
-        if (!line.parse(text)) return true;
+        if (!line.parse(text)) continue;
         auto store = [&line](CStringMap& map, const CString& value) {
             if (!value.IsEmpty()) map[line.code] = value;
         };
@@ -77,21 +64,15 @@ void CKovaAttribSet::FReadCurFile() {
         store(m_mapBJLayer, line.boundaryLayer);
         store(m_mapTCLayer, line.hatchLayer);
         store(m_mapRemark, line.remark);
-        return true;
-    });
+    }
 }
 
 void CKovaAttribSet::FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayerMap,
                                   CStringMap& hatchLayerMap, CStringMap& colourMap) {
-    CString path = currentClassTable();
-    if (path.IsEmpty() || !fgbfile::FileExist(path)) return;
-    CString kind = FCurStandardIsGH(path) ? L"规划" : L"现状";
-    fgbfile::CIniFile ini(path, 1);
-    auto setting = [&](const wchar_t* what) {
-        CString value = ini.GetValue(kLayerSection, kind + what);
-        value.Trim();
-        return value;
-    };
+    std::shared_ptr<const ParsedClassTable> table = ClassTableCache::Get(currentClassTable());
+    if (!table) return;
+    CString kind = table->IsPlanning() ? L"规划" : L"现状";
+    auto setting = [&](const wchar_t* what) { return table->Setting(kLayerSection, kind + what); };
     CString fixedBoundary = setting(L"用地边界图层");
     CString fixedHatch = setting(L"用地填充图层");
     CString boundaryPrefix = setting(L"用地边界前缀");
@@ -99,31 +80,21 @@ void CKovaAttribSet::FReadCurFile(CStringMap& nameMap, CStringMap& boundaryLayer
     CString hatchPrefix = setting(L"用地填充前缀");
     CString hatchSuffix = setting(L"用地填充后缀");
 
-    forEachLine(path, [&](const CString& text) {
+    for (const CString& text : table->ClassLines()) {
         ClassTableLine line;
-        if (!line.parseBlankMarked(text)) return true;
+        if (!line.parseBlankMarked(text)) continue;
         if (!line.name.IsEmpty()) nameMap[line.code] = line.name;
         if (!line.colour.IsEmpty()) colourMap[line.code] = line.colour;
         boundaryLayerMap[line.code] = defaultLayer(line.boundaryLayer, fixedBoundary,
                                                    boundaryPrefix, line.code, boundarySuffix);
         hatchLayerMap[line.code] =
             defaultLayer(line.hatchLayer, fixedHatch, hatchPrefix, line.code, hatchSuffix);
-        return true;
-    });
+    }
 }
 
 int CKovaAttribSet::FCurStandardIsGH(const CString& file) {
-    int planning = 1;
-    forEachLine(file, [&planning](const CString& text) {
-        CString line = text;
-        line.Trim();
-        if (line == L"[现状用地]" || line == L"[现状地块]") {
-            planning = 0;
-            return false;
-        }
-        return true;
-    });
-    return planning;
+    std::shared_ptr<const ParsedClassTable> table = ClassTableCache::Get(file);
+    return table ? table->IsPlanning() : 1;
 }
 
 int CKovaAttribSet::FCurStandardIsGH() {

@@ -3,6 +3,10 @@
 #include "host/arx/acutads.h"
 #include "host/arx/dbapserv.h"
 #include "host/kova/KovaDat.h"
+#include "host/kova/KovaDataSet.h"
+#include "host/kova/fgbfile.h"
+
+#include <cwchar>
 
 namespace KovaDB {
 
@@ -52,6 +56,49 @@ int CCustomDatabase::SetOtherCustomParam(const ACHAR* name, const ACHAR* value) 
 
 CCustomDatabase qmGetCustomDatabase(AcDbDatabase* database) {
     return CCustomDatabase(database);
+}
+
+CQmCustomDatabase::CQmCustomDatabase() {
+    CString path;
+    if (CKovaDataSet::FGetGStandardOneFilePath(path, L"参数配置\\", L"图层标准.ini",
+                                               CKovaDataSet::FGetStandardName(), 0)) {
+        path_ = path;
+    }
+}
+
+CQmCustomDatabase qmGetQmCustomDatabase() {
+    return CQmCustomDatabase();
+}
+
+int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param, const CQmCustomDatabase& database) {
+    if (layerKey == nullptr || *layerKey == 0 || database.GetPath().IsEmpty()) return 0;
+    fgbfile::CIniFile ini(database.GetPath(), 0);
+    CStringArray keys, values;
+    if (!ini.IsOpen() || !ini.GetValue(layerKey, keys, values)) return 0;
+    auto value = [&ini, layerKey](const ACHAR* key, CString& out) {
+        CString text = ini.GetValue(layerKey, key);
+        text.Trim();
+        if (text.IsEmpty()) return false;
+        out = text;
+        return true;
+    };
+    CString text;
+    if (value(L"图层名", text)) param.strLayerName = text;
+    if (value(L"线型", text)) param.strLineType = text;
+    if (value(L"说明", text)) param.strRemark = text;
+    if (value(L"颜色", text)) {
+        wchar_t* end = nullptr;
+        long index = std::wcstol(text, &end, 10);
+        if (end != nullptr && *end == 0 && index >= 1 && index <= 256) {
+            param.nColorIndex = static_cast<int>(index);
+        }
+    }
+    if (value(L"线宽", text)) {
+        wchar_t* end = nullptr;
+        double weight = std::wcstod(text, &end);
+        if (end != nullptr && *end == 0 && weight >= 0) param.dLineWeight = weight;
+    }
+    return 1;
 }
 
 }  // namespace KovaDB

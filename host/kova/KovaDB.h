@@ -31,4 +31,36 @@ class CCustomDatabase {
 // The project database of a drawing; the working one when null.
 CCustomDatabase qmGetCustomDatabase(AcDbDatabase* database = nullptr);
 
+// What the layer standard sets for one layer key. The defaults are those of a layer
+// the standard does not know: "0", "CONTINUOUS", colour 7.
+struct CLayerParam {
+    CString strLayerName = L"0";
+    CString strLineType = L"CONTINUOUS";
+    int nColorIndex = 7;
+    double dLineWeight = -1.0;  // millimetres; negative for the default weight
+    CString strRemark;
+};
+
+// The layer standard of the current standard: "参数配置\图层标准.ini", one section per layer
+// key ("FL_FZ_YDGH_KB") with the keys "图层名", "颜色" (colour index), "线型", "线宽" (mm,
+// empty for the default) and "说明". It is read when asked, so an edited file counts at
+// once.
+class CQmCustomDatabase {
+  public:
+    // The layer standard of the standard that is current when it is made.
+    CQmCustomDatabase();
+    // The full path of the file ("" when the standard has none).
+    const CString& GetPath() const { return path_; }
+
+  private:
+    CString path_;
+};
+
+CQmCustomDatabase qmGetQmCustomDatabase();
+
+// 1 when the layer standard has a section for the key: every key the section sets
+// overwrites the matching member of param (a colour that is no number in 1..256 is left
+// out). 0 with param untouched when the file or the section is missing.
+int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param, const CQmCustomDatabase& database);
+
 }  // namespace KovaDB

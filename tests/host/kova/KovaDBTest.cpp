@@ -40,3 +40,36 @@ TEST_F(ProjectParamTest, ValuesAreSetReplacedAndDefaulted) {
 }
 
 }  // namespace
+
+namespace {
+
+class LayerStandardTest : public KplanTest {};
+
+TEST_F(LayerStandardTest, SectionsOverwriteThePresets) {
+    KovaDB::CLayerParam param;
+    EXPECT_EQ(KovaDB::qmGetLayerParam(L"FL_FZ_YDGH_KB", param, KovaDB::qmGetQmCustomDatabase()), 0)
+        << "no layer standard";
+    EXPECT_EQ(param.nColorIndex, 7);
+    standards().write(
+        L"参数配置/图层标准.ini",
+        L"; 图层标准\n[FL_FZ_YDGH_KB]\n图层名=YD-空白规划用地填充\n颜色=9\n线型=DASHED\n"
+        L"线宽=0.25\n说明=空白\n[坏颜色]\n颜色=红\n线宽=粗\n[空节]\n");
+    KovaDB::CQmCustomDatabase layers = KovaDB::qmGetQmCustomDatabase();
+    ASSERT_EQ(KovaDB::qmGetLayerParam(L"fl_fz_ydgh_kb", param, layers), 1);
+    EXPECT_EQ(param.strLayerName, CString(L"YD-空白规划用地填充"));
+    EXPECT_EQ(param.nColorIndex, 9);
+    EXPECT_EQ(param.strLineType, CString(L"DASHED"));
+    EXPECT_DOUBLE_EQ(param.dLineWeight, 0.25);
+    EXPECT_EQ(param.strRemark, CString(L"空白"));
+
+    KovaDB::CLayerParam odd;
+    EXPECT_EQ(KovaDB::qmGetLayerParam(L"坏颜色", odd, layers), 1);
+    EXPECT_EQ(odd.nColorIndex, 7) << "a colour that is no index keeps the preset";
+    EXPECT_LT(odd.dLineWeight, 0);
+    EXPECT_EQ(KovaDB::qmGetLayerParam(L"空节", odd, layers), 1);
+    EXPECT_EQ(odd.strLayerName, CString(L"0"));
+    EXPECT_EQ(KovaDB::qmGetLayerParam(L"FL_YS_GHHX", odd, layers), 0);
+    EXPECT_EQ(KovaDB::qmGetLayerParam(L"", odd, layers), 0);
+}
+
+}  // namespace

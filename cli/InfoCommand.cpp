@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/Commands.h"
+#include "cli/Drawing.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/dbunknown.h"
 #include "host/arx/peek.h"
@@ -32,9 +33,15 @@ const char* releaseOf(const std::string& version) {
     return it == releases.end() ? "unknown release" : it->second;
 }
 
-int runInfo(const std::string& path) {
+struct InfoArgs {
+    std::string path, codePage;
+    bool recover = false;
+};
+
+int runInfo(const InfoArgs& args) {
+    const std::string& path = args.path;
     std::string error;
-    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
+    std::unique_ptr<AcDbDatabase> database = loadDrawing(path, args.recover, args.codePage, error);
     if (!database) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
@@ -103,9 +110,10 @@ int runInfo(const std::string& path) {
 
 void addInfoCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("info", "Show what a drawing holds");
-    auto path = std::make_shared<std::string>();
-    command->add_option("DRAWING", *path, "DXF file")->required();
-    command->callback([path, &exitCode] { exitCode = runInfo(*path); });
+    auto args = std::make_shared<InfoArgs>();
+    command->add_option("DRAWING", args->path, "DXF file")->required();
+    addReadOptions(*command, args->recover, args->codePage);
+    command->callback([args, &exitCode] { exitCode = runInfo(*args); });
 }
 
 }  // namespace kplan::cli

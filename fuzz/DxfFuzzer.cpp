@@ -15,7 +15,9 @@ namespace {
 std::string readAndWrite(const std::string& input, int threads, std::string& error) {
     std::istringstream in(input);
     AcDbDatabase database(false);
-    if (!dxf::read(in, database, error, "fuzz.dxf", {.threads = threads})) {
+    dxf::ReadOptions options;
+    options.threads = threads;
+    if (!dxf::read(in, database, error, "fuzz.dxf", options)) {
         if (error.empty()) std::abort();  // a failure always says why
         return "";
     }

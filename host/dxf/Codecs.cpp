@@ -401,55 +401,54 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
         switch (t->code) {
             case 10:
                 vertices.emplace_back();
-                ok = parseReal(t->value, vertices.back().x);
+                ok = ctx.real(*t, vertices.back().x);
                 anchor = 1000 + static_cast<int>(vertices.size());
                 continue;
             case 20:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().y);
+                ok = ctx.real(*t, vertices.back().y);
                 continue;
             case 40:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().sw);
+                ok = ctx.real(*t, vertices.back().sw);
                 vertices.back().hasWidths = true;
                 continue;
             case 41:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().ew);
+                ok = ctx.real(*t, vertices.back().ew);
                 continue;
             case 42:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().bulge);
+                ok = ctx.real(*t, vertices.back().bulge);
                 vertices.back().hasBulge = true;
                 continue;
             case 90:
                 if (!vertices.empty()) break;
-                ok = parseInt(t->value, count);
+                ok = ctx.integer(*t, count);
                 continue;
             case 70:
                 if (!vertices.empty()) break;
-                ok = parseInt(t->value, flags);
+                ok = ctx.integer(*t, flags);
                 if (flags & ~std::int64_t(129)) ok = false;
                 continue;
             case 43:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, constantWidth);
+                ok = ctx.real(*t, constantWidth);
                 bits |= kLwConstantWidth;
                 continue;
             case 38:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, elevation);
+                ok = ctx.real(*t, elevation);
                 bits |= kLwElevation;
                 continue;
             case 39:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, thickness);
+                ok = ctx.real(*t, thickness);
                 bits |= kLwThickness;
                 continue;
             case 210:
-                ok = parseReal(t->value, normal.x) && t + 2 < end && t[1].code == 220 &&
-                     t[2].code == 230 && parseReal(t[1].value, normal.y) &&
-                     parseReal(t[2].value, normal.z);
+                ok = ctx.real(*t, normal.x) && t + 2 < end && t[1].code == 220 &&
+                     t[2].code == 230 && ctx.real(t[1], normal.y) && ctx.real(t[2], normal.z);
                 t += 2;
                 bits |= kLwNormal;
                 anchor = 3;
@@ -542,17 +541,17 @@ bool lwCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRec
 
 class Cursor {
   public:
-    Cursor(Tags begin, Tags end) : t_(begin), end_(end) {}
+    Cursor(Tags begin, Tags end, ReadContext& ctx) : t_(begin), end_(end), ctx_(ctx) {}
     bool at(int code) const { return t_ < end_ && t_->code == code; }
     bool done() const { return t_ >= end_; }
     Tags here() const { return t_; }
     bool real(int code, double& v) {
-        if (!at(code) || !parseReal(t_->value, v)) return ok_ = false;
+        if (!at(code) || !ctx_.real(*t_, v)) return ok_ = false;
         ++t_;
         return true;
     }
     bool integer(int code, std::int64_t& v) {
-        if (!at(code) || !parseInt(t_->value, v)) return ok_ = false;
+        if (!at(code) || !ctx_.integer(*t_, v)) return ok_ = false;
         ++t_;
         return true;
     }
@@ -571,6 +570,7 @@ class Cursor {
   private:
     Tags t_;
     Tags end_;
+    ReadContext& ctx_;
     bool ok_ = true;
 };
 
@@ -654,7 +654,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     if (split == nullptr) return nullptr;
     auto hatch = std::make_unique<AcDbHatch>();
     entityTable().read(*hatch, bodyBegin(p), split, ctx, record);
-    Cursor c(split + 1, bodyEnd(p));
+    Cursor c(split + 1, bodyEnd(p), ctx);
     AcGePoint3d elevation;
     AcGeVector3d normal;
     if (!(c.real(10, elevation.x) && c.real(20, elevation.y) && c.real(30, elevation.z) &&
@@ -885,9 +885,8 @@ AcDbObject* readDictionary(const ParsedObject& p, ReadContext& ctx, ObjectRecord
         ctx.keep(record, -1, *t);
     bool entryCodeSeen = false;
     for (Tags t = begin + 1; t < bodyEnd(p); ++t) {
-        if (t->code == 280 && anchor == 0) {
-            std::int64_t hard = 0;
-            parseInt(t->value, hard);
+        std::int64_t hard = 0;
+        if (t->code == 280 && anchor == 0 && ctx.integer(*t, hard)) {
             dict->setHardOwner(hard != 0);
             record.present |= kDictHardFlag;
             anchor = 1;
@@ -1179,7 +1178,7 @@ AcDbObject* readLinetype(const ParsedObject& p, ReadContext& ctx, ObjectRecord& 
     for (Tags t = dashes; t < end; ++t) {
         if (t->code == 49) {
             double d = 0;
-            if (index < linetype->numDashes() && parseReal(t->value, d)) {
+            if (index < linetype->numDashes() && ctx.real(*t, d)) {
                 linetype->setDashLengthAt(index++, d);
                 continue;
             }

@@ -9,6 +9,7 @@
 
 #include "host/arx/dbmain.h"
 #include "host/arx/dbunknown.h"
+#include "host/dxf/Dxf.h"
 #include "host/dxf/DxfStrings.h"
 #include "host/dxf/TagReader.h"
 #include "host/dxf/TagWriter.h"
@@ -62,6 +63,7 @@ class FileData : public db::ObjectBase {
     std::vector<AcDbObjectId> entities;  // ENTITIES in file order
     std::vector<AcDbObjectId> objects;   // OBJECTS in file order
     std::unordered_map<db::Stub*, ObjectRecord> records;
+    ReadReport report;
 
     const ObjectRecord* record(const AcDbObject* obj) const {
         auto it = records.find(obj->stub());
@@ -86,6 +88,13 @@ struct ParsedObject {
     std::span<const TagView> xdata;  // from the first 1001
 };
 
+// Numbers of tags, tolerant of the padding some writers add. A real is finite and in
+// range: "nan", "inf" and "1e400" are refused.
+bool parseReal(std::string_view text, double& value);
+bool parseInt(std::string_view text, std::int64_t& value);
+// Why a tag's text that did not parse is no number: "not a number", "out of range", ...
+std::string numberProblem(std::string_view text);
+
 class ReadContext {
   public:
     ReadContext(AcDbDatabase& database, FileData& file, TagReader& reader)
@@ -109,7 +118,30 @@ class ReadContext {
     }
     static std::uint64_t parseHandle(std::string_view hex);
 
+    // Numbers of the object being read. One that is not a number (text, out of range,
+    // NaN or infinity) is noted as the object's bad number, and the object is then kept
+    // as read, or the file refused. An integer written as a real ("1.0", as some writers
+    // do) is no bad number: the field does not take it and it is kept as written.
+    bool real(const TagView& tag, double& value) {
+        if (parseReal(tag.value, value)) return true;
+        badNumber(tag);
+        return false;
+    }
+    bool integer(const TagView& tag, std::int64_t& value) {
+        if (parseInt(tag.value, value)) return true;
+        double real = 0;
+        if (!parseReal(tag.value, real)) badNumber(tag);
+        return false;
+    }
+    void badNumber(const TagView& tag);
+    // The first bad number of the object read since the last call, if any: the message
+    // without the file name ("line 12: group code 10: ...") and its line.
+    bool takeBadNumber(std::size_t& line, std::string& what);
+
   private:
+    std::size_t badLine_ = 0;
+    std::string badWhat_;
+    bool bad_ = false;
     std::uint64_t lastHandle_ = 0;
     AcDbObjectId lastId_;
 };
@@ -142,17 +174,13 @@ class WriteContext {
     }
 };
 
-// Numbers of tags, tolerant of the padding some writers add.
-bool parseReal(std::string_view text, double& value);
-bool parseInt(std::string_view text, std::int64_t& value);
-
 // Xdata and xrecord values between tags and the stored form.
 db::ValueList readValues(ReadContext& ctx, const TagView* begin, const TagView* end);
 void writeValues(WriteContext& ctx, const db::ValueList& values);
 
 // Xdata as the loader keeps it until used: per tag its code and its text (strings in
-// UTF-8, numbers as the file wrote them), packed into one string.
-std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags);
+// UTF-8, numbers as the file wrote them and checked), packed into one string.
+std::string packXdata(ReadContext& ctx, std::span<const TagView> tags);
 void unpackXdata(const std::string& packed, db::ValueList& values);
 void writePackedXdata(WriteContext& ctx, const std::string& packed);
 // Calls f(code, text) for each packed tag.

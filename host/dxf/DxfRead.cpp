@@ -9,6 +9,7 @@
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/GroupCode.h"
 #include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/Codecs.h"
@@ -94,7 +95,8 @@ constexpr std::size_t kBatchTags = 1 << 14;
 class Loader {
   public:
     Loader(std::istream& in, const std::string& name, AcDbDatabase& database)
-        : reader_(in, name),
+        : in_(in),
+          reader_(in, name),
           database_(database),
           file_(std::make_unique<FileData>()),
           ctx_(database, *file_, reader_),
@@ -110,6 +112,8 @@ class Loader {
     // The size of the file, when known: with $HANDSEED it sizes the handle index.
     void setFileSize(std::uint64_t bytes) { fileSize_ = bytes; }
     void setThreads(int threads) { threads_ = threads; }
+    void setRecover(bool recover) { recover_ = recover; }
+    void setCodePage(const std::string& codePage) { codePageOption_ = codePage; }
 
   private:
     bool next(TagView& t) {
@@ -149,6 +153,21 @@ class Loader {
     bool readObjects();
     bool finish();
 
+    // Whether a number of the object just read was not one: then, with recover, a
+    // warning; without, the error the load fails with at the next check.
+    bool badNumberIn(const ParsedObject& parsed);
+    // False, with the reader failed, once a number was not one in a strict read.
+    bool numbersOk() {
+        if (numberError_.empty()) return true;
+        reader_.fail(numberErrorLine_, numberError_);
+        return false;
+    }
+    void warn(std::size_t line, const std::string& what) {
+        file_->report.warnings.push_back(reader_.where(line) + ": " + what);
+    }
+    // The numbers of the objects of a POLYLINE's run to SEQEND, checked before they are
+    // made, so that the run is kept as read as a whole.
+    bool treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end);
     // Makes the object from its tags and places it at its handle.
     AcDbObjectId place(ParsedObject& parsed, bool entity, AcDbObjectId defaultOwner,
                        const Codec* codec);
@@ -168,6 +187,11 @@ class Loader {
                                   namedObjects_, modelSpace_, paperSpace_);
     }
 
+    // Decides the code page of the strings once, before the first string is read: the
+    // option's, the file's, else one guessed from the bytes of the whole file.
+    void decideCodePage(const std::string& declared);
+
+    std::istream& in_;
     TagReader reader_;
     AcDbDatabase& database_;
     std::unique_ptr<FileData> file_;
@@ -186,6 +210,12 @@ class Loader {
     std::uint64_t handseed_ = 0;
     std::uint64_t fileSize_ = 0;
     int threads_ = 1;  // that read the entities
+    bool recover_ = false;
+    std::string codePageOption_;
+    bool codePageDecided_ = false;
+    std::size_t numberErrorLine_ = 0;
+    std::string numberError_;  // the first number that was not one, in a strict read
+    std::vector<AcDbObjectId> keptAsRead_;
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
@@ -270,10 +300,56 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.xdata = std::span<const TagView>(tags.data() + x, n - x);
 }
 
+bool Loader::badNumberIn(const ParsedObject& p) {
+    std::size_t line = 0;
+    std::string what;
+    if (!ctx_.takeBadNumber(line, what)) return false;
+    if (!recover_) {
+        if (numberError_.empty()) {
+            numberErrorLine_ = line;
+            numberError_ = what;
+        }
+    } else {
+        warn(line, what + "; the " + std::string(p.type) + " is kept as read");
+    }
+    return true;
+}
+
+bool Loader::treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end) {
+    for (std::size_t o = first; o < end; ++o) {
+        for (const TagView& t : batch.object(o)) {
+            if (t.code >= 1000) break;  // xdata: checked as it is packed
+            double real = 0;
+            std::int64_t whole = 0;
+            switch (db::kindOfGroupCode(t.code)) {
+                case db::ValueKind::Real:
+                case db::ValueKind::Point:
+                    if (!ctx_.real(t, real)) return false;
+                    break;
+                case db::ValueKind::Int16:
+                case db::ValueKind::Int32:
+                case db::ValueKind::Int64:
+                case db::ValueKind::Bool:
+                    if (!parseInt(t.value, whole) && !ctx_.real(t, real)) return false;
+                    break;
+                default:
+                    break;
+            }
+        }
+    }
+    return true;
+}
+
 AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwner,
                            const Codec* codec) {
     ObjectRecord record;
     AcDbObject* obj = codec ? codec->read(p, ctx_, record) : nullptr;
+    std::string xdata = p.xdata.empty() ? std::string() : packXdata(ctx_, p.xdata);
+    bool bad = badNumberIn(p);
+    if (bad && obj != nullptr) {
+        delete obj;  // a number that is not one: the object is kept as read
+        obj = nullptr;
+    }
     if (obj == nullptr) {
         record = ObjectRecord();
         AcDbRawTags raw;
@@ -291,12 +367,13 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     for (std::uint64_t h : p.reactors)
         obj->addPersistentReactor(ctx_.idOf(h));
     if (p.extensionDictionary) obj->setExtensionDictionaryId(ctx_.idOf(p.extensionDictionary));
-    if (!p.xdata.empty()) obj->restorePackedXdata(packXdata(ctx_, p.xdata), &unpackXdata);
+    if (!p.xdata.empty()) obj->restorePackedXdata(std::move(xdata), &unpackXdata);
     AcDbObjectId id;
     if (database_.restoreObject(id, obj, AcDbHandle(p.handle)) != Acad::eOk) {
         // A handle given twice or none at all: the object gets a fresh one.
         database_.restoreObject(id, obj, AcDbHandle());
     }
+    if (bad && entity) keptAsRead_.push_back(id);
     record.handleCode = p.handleCode;
     record.dictionaryFirst = p.dictionaryFirst && !p.reactors.empty();
     record.appGroups = std::move(p.appGroups);
@@ -309,9 +386,62 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     return id;
 }
 
+// The code page of a file that names none. Chinese text in GBK is pairs of bytes above
+// ASCII (GB2312's characters lie in A1-F7 followed by A1-FE); Western text in ANSI_1252,
+// the DXF default, has such bytes one at a time among ASCII. Streams that cannot seek
+// keep the default.
+std::string guessCodePage(std::istream& in) {
+    std::ios::iostate state = in.rdstate();
+    in.clear();
+    std::istream::pos_type at = in.tellg();
+    if (at == std::istream::pos_type(-1)) {
+        in.clear(state);
+        return "ANSI_1252";
+    }
+    in.seekg(0);
+    std::uint64_t pairs = 0, single = 0;
+    int lead = -1;
+    std::vector<char> buffer(1 << 16);
+    while (in.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || in.gcount() > 0) {
+        std::size_t n = static_cast<std::size_t>(in.gcount());
+        for (std::size_t i = 0; i < n; ++i) {
+            int b = static_cast<unsigned char>(buffer[i]);
+            if (lead >= 0) {
+                if (lead >= 0xA1 && lead <= 0xF7 && b >= 0xA1 && b <= 0xFE) {
+                    ++pairs;
+                } else {
+                    ++single;
+                }
+                lead = -1;
+            } else if (b >= 0x81 && b <= 0xFE) {
+                lead = b;
+            } else if (b >= 0x80) {
+                ++single;
+            }
+        }
+    }
+    in.clear();
+    in.seekg(at);
+    in.clear(state);
+    return pairs > 0 && single * 4 <= pairs ? "ANSI_936" : "ANSI_1252";
+}
+
+void Loader::decideCodePage(const std::string& declared) {
+    codePageDecided_ = true;
+    if (!codePageOption_.empty()) {
+        file_->codePage = codePageOption_;
+    } else if (!declared.empty()) {
+        file_->codePage = declared;
+    } else if (!isUtf8Version(file_->version) || !file_->hasHeader) {
+        file_->codePage = guessCodePage(in_);
+    }
+    ctx_.strings = DxfStrings(file_->version, file_->codePage);
+}
+
 bool Loader::readHeader() {
     // Strings of the header can only be decoded once its version and code page are known.
     std::vector<std::pair<int, std::string>> raw;
+    std::vector<std::size_t> lines;
     std::string version, codePage;
     TagView t;
     while (next(t)) {
@@ -319,6 +449,7 @@ bool Loader::readHeader() {
         if (t.code == 0)
             return fail(t.line, "expected \"0 ENDSEC\" to end the HEADER, found " + describe(t));
         raw.emplace_back(t.code, std::string(t.value));
+        lines.push_back(t.line);
     }
     if (reader_.failed()) return false;
     if (!is(t, 0, "ENDSEC")) return failAtEnd("\"0 ENDSEC\"");
@@ -334,18 +465,23 @@ bool Loader::readHeader() {
             // the file can hold reserves nothing it does not need.
             if (fileSize_ > 0) database_.reserve(std::min(handseed_, fileSize_ / 40));
         }
-        if (name == "$INSUNITS") {
+        if (name == "$INSUNITS" || name == "$TILEMODE") {
             std::int64_t v = 0;
-            if (parseInt(value, v)) file_->insUnits = static_cast<int>(v);
-        }
-        if (name == "$TILEMODE") {
-            std::int64_t v = 1;
-            if (parseInt(value, v)) tilemode_ = static_cast<int>(v);
+            if (ctx_.integer(TagView{raw[i + 1].first, value, lines[i + 1]}, v)) {
+                (name == "$INSUNITS" ? file_->insUnits : tilemode_) = static_cast<int>(v);
+            }
+            std::size_t line = 0;
+            std::string what;
+            if (ctx_.takeBadNumber(line, what)) {
+                if (!recover_) return fail(line, what);
+                warn(line,
+                     what + "; the header variable " + std::string(name) + " takes its default");
+            }
         }
     }
     if (!version.empty()) file_->version = version;
-    if (!codePage.empty()) file_->codePage = codePage;
-    ctx_.strings = DxfStrings(file_->version, file_->codePage);
+    file_->hasHeader = true;
+    decideCodePage(codePage);
     ctx_.r12 = file_->version <= "AC1009";
     for (std::size_t i = 0; i < raw.size(); ++i) {
         file_->header.push_back({raw[i].first, ctx_.strings.toUtf8(raw[i].second)});
@@ -353,7 +489,6 @@ bool Loader::readHeader() {
             clayer_ = ctx_.strings.toWide(trimmed(raw[i + 1].second));
         }
     }
-    file_->hasHeader = true;
     return true;
 }
 
@@ -394,6 +529,7 @@ bool Loader::readTables() {
         parse(tags_, parsed_);
         const Codec* head = tableCodec(tableName);
         AcDbObjectId tableId = place(parsed_, false, AcDbObjectId(), head);
+        if (!numbersOk()) return false;
         file_->tables.push_back(tableId);
         if (head == nullptr) file_->tableNames[tableId.stub()] = tableName;
         if (tableName == "LAYER") layerTable_ = tableId;
@@ -434,6 +570,7 @@ bool Loader::readTables() {
                 if (active) database_.setView(view);
             }
             AcDbObjectId id = place(parsed_, false, tableId, codec);
+            if (!numbersOk()) return false;
             if (typed) {
                 typed->restoreRecord(id);
             } else {
@@ -527,6 +664,12 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         }
     }
     if (end - first == 1) return place(parsed, true, defaultOwner, codec);
+    bool keptForNumbers = false;
+    if (codec != nullptr && !treeNumbersOk(batch, first, end)) {
+        badNumberIn(parsed);
+        codec = nullptr;
+        keptForNumbers = true;
+    }
     // The parent is placed after its children, which name it as their owner.
     if (parsed.handle == 0 || arx::peekObject(ctx_.idOf(parsed.handle)) != nullptr) {
         parsed.handle = database_.handseed().value();  // free, so the children can name it
@@ -545,6 +688,7 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         }
     }
     AcDbObjectId id = place(parsed, true, defaultOwner, codec);
+    if (keptForNumbers) keptAsRead_.push_back(id);
     if (codec == nullptr) {
         ObjectRecord& kept = file_->records[id.stub()];
         kept.children = children;
@@ -570,9 +714,9 @@ bool Loader::readBlocks() {
         AcGePoint3d origin;
         for (const TagView& b : parsed_.body) {
             if (b.code == 2 && name.empty()) name = ctx_.wide(trimmed(b.value));
-            if (b.code == 10) parseReal(b.value, origin.x);
-            if (b.code == 20) parseReal(b.value, origin.y);
-            if (b.code == 30) parseReal(b.value, origin.z);
+            if (b.code == 10) ctx_.real(b, origin.x);
+            if (b.code == 20) ctx_.real(b, origin.y);
+            if (b.code == 30) ctx_.real(b, origin.z);
         }
         AcDbObjectId recordId;
         if (name.empty() || table->getAt(name.c_str(), recordId) != Acad::eOk) {
@@ -589,6 +733,7 @@ bool Loader::readBlocks() {
         auto* record = arx::peek<AcDbBlockTableRecord>(recordId);
         record->setOrigin(origin);
         AcDbObjectId begin = place(parsed_, true, recordId, nullptr);
+        if (!numbersOk()) return false;
         reader_.release();
         bool layout = recordId == modelSpace_ || recordId == paperSpace_;
         for (;;) {
@@ -598,7 +743,7 @@ bool Loader::readBlocks() {
                 return fail(t.line, "expected an entity or \"0 ENDBLK\", found " + describe(t));
             }
             AcDbObjectId id;
-            if (!readEntity(t, recordId, id)) return false;
+            if (!readEntity(t, recordId, id) || !numbersOk()) return false;
             auto* owner = arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId());
             (owner ? owner : record)->restoreEntity(id);
             if (layout) file_->entities.push_back(id);
@@ -607,6 +752,7 @@ bool Loader::readBlocks() {
         if (!collect(t, tags_, "ENDSEC")) return false;
         parse(tags_, parsed_);
         AcDbObjectId end = place(parsed_, true, recordId, nullptr);
+        if (!numbersOk()) return false;
         file_->blockEnds[recordId.stub()] = {begin, end};
         file_->blocks.push_back(recordId);
         reader_.release();
@@ -669,10 +815,11 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
             if (progress) progress(filled.bytesRead);
             placeModelSpaceBatch(filled);
         }
-        if (filled.failed || filled.ended) {
+        bool numbers = numberError_.empty();
+        if (filled.failed || filled.ended || !numbers) {
             gatherer.wait();  // then the reader is this thread's again
             reader_.onChunk(std::move(progress));
-            return !filled.failed;
+            return !filled.failed && numbersOk();
         }
         free = std::move(filled);
     }
@@ -697,6 +844,7 @@ bool Loader::readEntities() {
     for (;;) {
         gatherBatch(entity_);
         if (!entity_.failed) placeModelSpaceBatch(entity_);
+        if (!numbersOk()) return false;
         if (entity_.failed || entity_.ended) return !entity_.failed;
         reader_.release();
     }
@@ -712,6 +860,7 @@ bool Loader::readObjects() {
         if (!collect(t, tags_, "ENDSEC")) return false;
         parse(tags_, parsed_);
         AcDbObjectId id = place(parsed_, false, AcDbObjectId(), objectCodec(parsed_.type));
+        if (!numbersOk()) return false;
         if (namedObjects_.isNull() && arx::peek<AcDbDictionary>(id)) namedObjects_ = id;
         file_->objects.push_back(id);
         reader_.release();
@@ -752,6 +901,7 @@ bool Loader::finish() {
     database_.setClayer(layer);
     database_.setTilemode(tilemode_ != 0);
     database_.setHandseed(handseed_);
+    file_->report.keptAsRead = std::move(keptAsRead_);
     database_.setFileData(std::move(file_));
     return true;
 }
@@ -775,6 +925,7 @@ bool Loader::run() {
         std::string name(trimmed(t.value));
         any = true;
         file_->sectionOrder.push_back(name);
+        if (name != "HEADER" && !codePageDecided_) decideCodePage("");
         bool ok = false;
         if (name == "HEADER") {
             ok = readHeader();
@@ -803,7 +954,7 @@ namespace {
 // Reads with the loader; fileSize non-zero shows the progress bar in megabytes and sizes
 // the handle index.
 bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
-              std::uint64_t fileSize, int threads) {
+              std::uint64_t fileSize, int threads, const ReadOptions& options) {
     constexpr std::uint64_t kStep = 1 << 20;
     struct Bar {
         bool shown = false;
@@ -811,10 +962,17 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
             if (shown) db::progressSink().end();
         }
     } bar;
+    std::wstring probe;
+    if (!options.codePage.empty() && !db::decodeCodePage("A", options.codePage, probe)) {
+        error = name + ": unknown code page \"" + options.codePage + "\"";
+        return false;
+    }
     try {
         Loader loader(in, name, database);
         loader.setFileSize(fileSize);
         loader.setThreads(threads);
+        loader.setRecover(options.recover);
+        loader.setCodePage(options.codePage);
         if (fileSize > 0) {
             std::wstring message = L"读取 " + db::utf8ToWide(name);
             db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));
@@ -862,7 +1020,7 @@ std::uint64_t sizeLeft(std::istream& in) {
 bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
           const ReadOptions& options) {
     // No progress bar for a stream.
-    return readWith(in, database, error, name, 0, threadsFor(options, sizeLeft(in)));
+    return readWith(in, database, error, name, 0, threadsFor(options, sizeLeft(in)), options);
 }
 
 bool load(const std::string& path, AcDbDatabase& database, std::string& error,
@@ -875,7 +1033,13 @@ bool load(const std::string& path, AcDbDatabase& database, std::string& error,
     std::error_code ec;
     std::uint64_t size = std::filesystem::file_size(path, ec);
     if (ec) size = 0;
-    return readWith(in, database, error, path, size, threadsFor(options, size));
+    return readWith(in, database, error, path, size, threadsFor(options, size), options);
+}
+
+const ReadReport& readReport(const AcDbDatabase& database) {
+    static const ReadReport none;
+    const auto* file = dynamic_cast<const FileData*>(database.fileData());
+    return file ? file->report : none;
 }
 
 std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,

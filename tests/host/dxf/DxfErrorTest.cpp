@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "host/arx/dbents.h"
+#include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
 #include "tests/host/dxf/DxfTestSupport.h"
 
@@ -68,7 +70,7 @@ TEST(DxfErrorTest, BrokenFilesGiveOneErrorWithLineAndExpectation) {
         for (int threads : {1, 2}) {
             SCOPED_TRACE(std::string(c.what) + ", threads " + std::to_string(threads));
             std::string error;
-            auto database = dxftest::loadText(c.text, error, {.threads = threads});
+            auto database = dxftest::loadText(c.text, error, dxftest::withThreads(threads));
             EXPECT_EQ(database, nullptr);
             EXPECT_NE(error.find(c.expected), std::string::npos) << error;
             EXPECT_EQ(error.find('\n'), std::string::npos) << "one line: " << error;
@@ -82,7 +84,9 @@ TEST(DxfErrorTest, MissingFileIsNamed) {
     EXPECT_EQ(error, "/nonexistent/drawing.dxf: cannot open the file");
 }
 
-// Values a class cannot take do not fail the file: the tags are kept as they were.
+// Values a class cannot take do not fail the file: the tags are kept as they were. A
+// number that is not one fails it, unless the read recovers: then the entity is kept as
+// read, and the report says so.
 TEST(DxfErrorTest, BadValuesInKnownEntitiesAreKeptAsRead) {
     std::string text = tags({{0, "SECTION"},
                              {2, "ENTITIES"},
@@ -100,8 +104,18 @@ TEST(DxfErrorTest, BadValuesInKnownEntitiesAreKeptAsRead) {
                              {0, "ENDSEC"},
                              {0, "EOF"}});
     std::string error;
-    auto database = dxftest::loadText(text, error);
+    EXPECT_EQ(dxftest::loadText(text, error), nullptr);
+    EXPECT_EQ(error, "test.dxf: line 9: group code 10: expected a number, found \"one\"");
+    dxf::ReadOptions recover;
+    recover.recover = true;
+    auto database = dxftest::loadText(text, error, recover);
     ASSERT_TRUE(database) << error;
+    const dxf::ReadReport& report = dxf::readReport(*database);
+    EXPECT_EQ(report.warnings,
+              std::vector<std::string>{"test.dxf: line 9: group code 10: expected a number, "
+                                       "found \"one\"; the CIRCLE is kept as read"});
+    ASSERT_EQ(report.keptAsRead.size(), 1u);
+    EXPECT_FALSE(AcDbCircle::cast(arx::peekObject(report.keptAsRead[0])));
     std::string saved = dxftest::saveText(*database);
     EXPECT_NE(saved.find(" 10\none\n 20\n2\n 30\n0\n"), std::string::npos) << saved;
     EXPECT_NE(saved.find(" 40\n-5\n"), std::string::npos);

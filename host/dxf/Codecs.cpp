@@ -370,6 +370,12 @@ enum : std::uint64_t {
     kLwThickness = 1ull << 45,
 };
 
+// Anchors of the kept tags of the polyline's own part: after the fields before the
+// vertices, after vertex i, after the normal. Apart from the entity part's anchors, so
+// that a tag is written once, where it was.
+constexpr int kLwHead = FieldTable::kOwn, kLwVertex = FieldTable::kOwn + 16,
+              kLwTail = FieldTable::kOwn + 8;
+
 AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord& record) {
     Tags split = classPart(p, "AcDbPolyline");
     Tags end = bodyEnd(p);
@@ -396,13 +402,13 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
     AcGeVector3d normal = AcGeVector3d::kZAxis;
     std::uint64_t bits = 0;
     bool ok = true;
-    int anchor = 1;
+    int anchor = kLwHead;
     for (Tags t = split + 1; t < end && ok; ++t) {
         switch (t->code) {
             case 10:
                 vertices.emplace_back();
                 ok = ctx.real(*t, vertices.back().x);
-                anchor = 1000 + static_cast<int>(vertices.size());
+                anchor = kLwVertex + static_cast<int>(vertices.size()) - 1;
                 continue;
             case 20:
                 if (vertices.empty()) break;
@@ -451,7 +457,7 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
                      t[2].code == 230 && ctx.real(t[1], normal.y) && ctx.real(t[2], normal.z);
                 t += 2;
                 bits |= kLwNormal;
-                anchor = 3;
+                anchor = kLwTail;
                 continue;
             default:
                 break;
@@ -500,7 +506,7 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     }
     if ((bits & kLwElevation) || pl.elevation() != 0) out.real(38, pl.elevation());
     if ((bits & kLwThickness) || pl.thickness() != 0) out.real(39, pl.thickness());
-    ctx.extras(record, 1);
+    ctx.extras(record, kLwHead);
     for (unsigned int i = 0; i < n; ++i) {
         AcGePoint2d p;
         double bulge = 0, sw = 0, ew = 0;
@@ -513,13 +519,13 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
             out.real(41, ew);
         }
         if ((bits & kLwAllBulges) || bulge != 0) out.real(42, bulge);
-        ctx.extras(record, 1001 + static_cast<int>(i));
+        ctx.extras(record, kLwVertex + static_cast<int>(i));
     }
     AcGeVector3d normal = pl.normal();
     if ((bits & kLwNormal) || !(normal == AcGeVector3d::kZAxis)) {
         out.point(210, normal.x, normal.y, normal.z);
     }
-    ctx.extras(record, 3);
+    ctx.extras(record, kLwTail);
 }
 
 bool lwCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRecord& record) {
@@ -648,6 +654,9 @@ bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e) {
 }
 
 enum : std::uint64_t { kHatchNoSeeds = 1ull << 40 };
+// The anchor of the tags after the pattern (seed points, gradient), apart from the
+// entity part's anchors.
+constexpr int kHatchTail = FieldTable::kOwn;
 
 AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& record) {
     Tags split = classPart(p, "AcDbHatch");
@@ -744,7 +753,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     bool seeds = false;
     for (Tags t = c.here(); t < bodyEnd(p); ++t) {
         if (t->code == 98) seeds = true;
-        ctx.keep(record, 2, *t);
+        ctx.keep(record, kHatchTail, *t);
     }
     if (!seeds) record.present |= kHatchNoSeeds;
     return hatch.release();
@@ -858,7 +867,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
                 out.real(49, d);
         }
     }
-    ctx.extras(record, 2);
+    ctx.extras(record, kHatchTail);
     // Other programs expect the seed points; a hatch made here has none.
     if (record == nullptr || !record->hasPresent) out.integer(98, 0);
 }
@@ -866,7 +875,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
 bool hatchCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRecord& record) {
     // Without a record the writer adds "98 0" after the pattern, as most files have it.
     std::uint64_t entity = record.present & ((1ull << 40) - 1);
-    return record.extras.size() == 1 && record.extras[0].anchor == 2 &&
+    return record.extras.size() == 1 && record.extras[0].anchor == kHatchTail &&
            record.extras[0].tag.code == 98 && record.extras[0].tag.value == "0" &&
            !(record.present & kHatchNoSeeds) && entity == entityTable().defaultPresence(obj, ctx);
 }

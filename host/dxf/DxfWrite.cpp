@@ -586,14 +586,33 @@ bool Saver::run() {
     plan();
     std::vector<std::string> order;
     if (file_) order = file_->sectionOrder;
-    for (const char* name : {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS"}) {
+    static const char* const kOrder[] = {"HEADER", "CLASSES",  "TABLES",
+                                         "BLOCKS", "ENTITIES", "OBJECTS"};
+    for (const char* name : kOrder) {
         if (std::find(order.begin(), order.end(), name) != order.end()) continue;
         if (std::string(name) == "CLASSES") continue;  // nothing to say
-        // Missing ones go after the last section that comes before them.
-        auto at = order.end();
-        if (std::string(name) == "HEADER") at = order.begin();
-        order.insert(at, name);
+        order.push_back(name);
     }
+    // The sections a drawing has go in the order readers expect (a file may have had
+    // ENTITIES first, or none but ENTITIES); others stay after the one they followed.
+    auto rank = [](const std::string& name) {
+        for (std::size_t i = 0; i < std::size(kOrder); ++i) {
+            if (name == kOrder[i]) return static_cast<int>(i) * 2;
+        }
+        return -1;
+    };
+    std::vector<std::pair<int, std::string>> ranked;
+    int last = 1;  // a section before any known one goes after the HEADER
+    for (const std::string& name : order) {
+        int r = rank(name);
+        if (r >= 0) last = r;
+        ranked.emplace_back(r >= 0 ? r : last + 1, name);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    order.clear();
+    for (auto& [r, name] : ranked)
+        order.push_back(std::move(name));
     std::unordered_set<std::string> done;
     for (const std::string& name : order) {
         if (!done.insert(name).second) continue;

@@ -55,6 +55,8 @@ class FieldTable {
         return static_cast<int>(subclass) * 64 + field + 1;
     }
     static constexpr int kTail = 1 << 20;
+    // Anchors from here on are free for a codec's own part after the table's.
+    static constexpr int kOwn = 1 << 21;
     std::size_t size() const { return subclasses_.size(); }
 
   private:

@@ -1,0 +1,159 @@
+// Files shaped as other programs write them come back as they were read: one small file
+// per way a writer once lost or moved something.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/arx/dbents.h"
+#include "host/arx/dbsymtb.h"
+#include "host/arx/peek.h"
+#include "host/dxf/Dxf.h"
+#include "host/dxf/TagReader.h"
+#include "tests/host/dxf/DxfTestSupport.h"
+
+namespace {
+
+using Tags = dxftest::Tags;
+
+std::string text(const Tags& tags) {
+    std::string out;
+    for (const auto& [code, value] : tags)
+        out += std::to_string(code) + "\n" + value + "\n";
+    return out;
+}
+
+Tags section(const char* name, const Tags& body) {
+    Tags tags = {{0, "SECTION"}, {2, name}};
+    tags.insert(tags.end(), body.begin(), body.end());
+    tags.push_back({0, "ENDSEC"});
+    return tags;
+}
+
+Tags join(std::initializer_list<Tags> parts) {
+    Tags all;
+    for (const Tags& p : parts)
+        all.insert(all.end(), p.begin(), p.end());
+    return all;
+}
+
+// The saved tags of a drawing read from tags.
+Tags roundTrip(const Tags& tags, std::string& saved) {
+    std::string error;
+    auto database = dxftest::loadText(text(join({tags, {{0, "EOF"}}})), error);
+    EXPECT_TRUE(database) << error;
+    if (!database) return {};
+    saved = dxftest::saveText(*database);
+    Tags out;
+    EXPECT_TRUE(dxf::readTags(saved, out, error)) << error;
+    return out;
+}
+
+// The tags of the record with this handle, from its "0 TYPE" to the next 0.
+Tags recordOf(const Tags& tags, const std::string& handle) {
+    for (std::size_t i = 0; i + 1 < tags.size(); ++i) {
+        if (tags[i].first != 0 || tags[i + 1].first != 5 || tags[i + 1].second != handle) continue;
+        Tags record = {tags[i]};
+        for (std::size_t k = i + 1; k < tags.size() && tags[k].first != 0; ++k)
+            record.push_back(tags[k]);
+        return record;
+    }
+    return {};
+}
+
+// The tags of a record after its subclass marker, up to the next marker.
+Tags subclassOf(const Tags& record, const std::string& marker) {
+    Tags part;
+    bool in = false;
+    for (const auto& tag : record) {
+        if (tag.first == 100) {
+            in = tag.second == marker;
+            continue;
+        }
+        if (in) part.push_back(tag);
+    }
+    return part;
+}
+
+int count(const Tags& tags, int code) {
+    int n = 0;
+    for (const auto& tag : tags)
+        n += tag.first == code;
+    return n;
+}
+
+// A solid hatch with seed points and a gradient, as AutoCAD writes it: the tags after
+// the pattern stay there, once.
+TEST(DxfLosslessTest, HatchTailTagsStayAfterThePattern) {
+    Tags hatch = {
+        {0, "HATCH"},       {5, "2A"},  {100, "AcDbEntity"}, {8, "0"},   {440, "33554661"},
+        {100, "AcDbHatch"}, {10, "0"},  {20, "0"},           {30, "0"},  {210, "0"},
+        {220, "0"},         {230, "1"}, {2, "SOLID"},        {70, "1"},  {71, "0"},
+        {91, "1"},          {92, "2"},  {72, "0"},           {73, "1"},  {93, "3"},
+        {10, "0"},          {20, "0"},  {10, "4"},           {20, "0"},  {10, "0"},
+        {20, "3"},          {97, "0"},  {75, "1"},           {76, "1"},  {47, "0.25"},
+        {98, "1"},          {10, "1"},  {20, "1"},           {450, "1"}, {451, "0"},
+        {452, "0"},         {453, "2"}, {460, "0"},          {461, "0"}, {462, "1"},
+        {470, "LINEAR"}};
+    std::string saved;
+    Tags out = recordOf(roundTrip(section("ENTITIES", hatch), saved), "2A");
+    ASSERT_FALSE(out.empty()) << saved;
+    Tags entity = subclassOf(out, "AcDbEntity"), own = subclassOf(out, "AcDbHatch");
+    EXPECT_EQ(entity, (Tags{{8, "0"}, {440, "33554661"}}));
+    Tags tail(hatch.begin() + 29, hatch.end());
+    ASSERT_GE(own.size(), tail.size());
+    EXPECT_EQ(Tags(own.end() - static_cast<std::ptrdiff_t>(tail.size()), own.end()), tail);
+    EXPECT_EQ(count(out, 450), 1);
+}
+
+// A tag of the entity part that no field takes stays in the entity part: a polyline's
+// own part does not get it a second time.
+TEST(DxfLosslessTest, EntityTagsOfAPolylineAreWrittenOnce) {
+    Tags polyline = {{0, "LWPOLYLINE"},
+                     {5, "2B"},
+                     {100, "AcDbEntity"},
+                     {67, "0"},
+                     {440, "33554661"},
+                     {8, "0"},
+                     {100, "AcDbPolyline"},
+                     {90, "2"},
+                     {70, "0"},
+                     {10, "1"},
+                     {20, "2"},
+                     {10, "3"},
+                     {20, "4"}};
+    std::string saved;
+    Tags out = recordOf(roundTrip(section("ENTITIES", polyline), saved), "2B");
+    ASSERT_FALSE(out.empty()) << saved;
+    EXPECT_EQ(count(out, 440), 1) << saved;
+    EXPECT_EQ(count(subclassOf(out, "AcDbPolyline"), 440), 0);
+}
+
+// Files with only ENTITIES, or ENTITIES before BLOCKS, are written in the order readers
+// expect, and read back with all their entities.
+TEST(DxfLosslessTest, EntitiesBeforeBlocksAreWrittenAfterThem) {
+    Tags line = {{0, "LINE"}, {8, "0"},  {10, "0"}, {20, "0"},
+                 {30, "0"},   {11, "1"}, {21, "1"}, {31, "0"}};
+    Tags block = {{0, "BLOCK"}, {8, "0"},  {2, "B"}, {70, "0"},     {10, "0"},
+                  {20, "0"},    {30, "0"}, {3, "B"}, {0, "ENDBLK"}, {8, "0"}};
+    for (const Tags& file :
+         {section("ENTITIES", line), join({section("ENTITIES", line), section("BLOCKS", block)})}) {
+        std::string saved, error;
+        Tags out = roundTrip(file, saved);
+        std::vector<std::string> sections;
+        for (std::size_t i = 0; i + 1 < out.size(); ++i) {
+            if (out[i] == std::pair<int, std::string>{0, "SECTION"})
+                sections.push_back(out[i + 1].second);
+        }
+        EXPECT_EQ(sections,
+                  (std::vector<std::string>{"HEADER", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS"}));
+        auto again = dxftest::loadText(saved, error);
+        ASSERT_TRUE(again) << error;
+        auto* space = arx::peek<AcDbBlockTableRecord>(again->modelSpaceId());
+        ASSERT_NE(space, nullptr);
+        ASSERT_EQ(space->entityIds().size(), 1u);
+        EXPECT_TRUE(AcDbLine::cast(arx::peekObject(space->entityIds()[0])));
+    }
+}
+
+}  // namespace

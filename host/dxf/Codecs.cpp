@@ -403,6 +403,7 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
     std::uint64_t bits = 0;
     bool ok = true;
     int anchor = kLwHead;
+    Tags normalTags = nullptr;
     for (Tags t = split + 1; t < end && ok; ++t) {
         switch (t->code) {
             case 10:
@@ -453,6 +454,7 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
                 bits |= kLwThickness;
                 continue;
             case 210:
+                normalTags = t;
                 ok = ctx.real(*t, normal.x) && t + 2 < end && t[1].code == 220 &&
                      t[2].code == 230 && ctx.real(t[1], normal.y) && ctx.real(t[2], normal.z);
                 t += 2;
@@ -485,7 +487,14 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
     pl->setPlinegen(flags & 128);
     pl->setElevation(elevation);
     if (bits & kLwThickness) pl->setThickness(thickness);
-    if (bits & kLwNormal) pl->setNormal(normal);
+    if (bits & kLwNormal) {
+        // Kept of unit length; the file's own numbers are written back.
+        pl->setNormal(normal);
+        AcGeVector3d unit = pl->normal();
+        double written[] = {unit.x, unit.y, unit.z};
+        for (int k = 0; k < 3; ++k)
+            ReadContext::spell(record, normalTags[k], written[k], written[k]);
+    }
     record.present |= bits;
     return pl;
 }
@@ -523,7 +532,7 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     }
     AcGeVector3d normal = pl.normal();
     if ((bits & kLwNormal) || !(normal == AcGeVector3d::kZAxis)) {
-        out.point(210, normal.x, normal.y, normal.z);
+        ctx.point(record, 210, normal.x, normal.y, normal.z);
     }
     ctx.extras(record, kLwTail);
 }
@@ -580,23 +589,27 @@ class Cursor {
     bool ok_ = true;
 };
 
-bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e) {
+bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e, ObjectRecord& record) {
     std::int64_t type = 0;
     if (!c.integer(72, type)) return false;
     e.type = static_cast<int>(type);
     std::int64_t ccw = 1;
+    Tags angles = nullptr;
     switch (type) {
         case AcDbHatch::kLine:
             return c.point(10, e.start) && c.point(11, e.end);
         case AcDbHatch::kCirArc:
-            if (!(c.point(10, e.center) && c.real(40, e.radius) && c.real(50, e.startAngle) &&
-                  c.real(51, e.endAngle) && c.integer(73, ccw)))
+            if (!(c.point(10, e.center) && c.real(40, e.radius))) return false;
+            angles = c.here();
+            if (!(c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
                 return false;
             break;
         case AcDbHatch::kEllArc: {
             AcGePoint2d axis;
-            if (!(c.point(10, e.center) && c.point(11, axis) && c.real(40, e.minorRatio) &&
-                  c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
+            if (!(c.point(10, e.center) && c.point(11, axis) && c.real(40, e.minorRatio)))
+                return false;
+            angles = c.here();
+            if (!(c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
                 return false;
             e.majorAxis = AcGeVector2d(axis.x, axis.y);
             break;
@@ -650,6 +663,8 @@ bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e) {
     e.counterClockwise = ccw != 0;
     e.startAngle = degToRad(e.startAngle);
     e.endAngle = degToRad(e.endAngle);
+    ReadContext::spell(record, angles[0], e.startAngle, radToDeg(e.startAngle));
+    ReadContext::spell(record, angles[1], e.endAngle, radToDeg(e.endAngle));
     return true;
 }
 
@@ -666,6 +681,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     Cursor c(split + 1, bodyEnd(p), ctx);
     AcGePoint3d elevation;
     AcGeVector3d normal;
+    Tags place = c.here();
     if (!(c.real(10, elevation.x) && c.real(20, elevation.y) && c.real(30, elevation.z) &&
           c.real(210, normal.x) && c.real(220, normal.y) && c.real(230, normal.z)))
         return nullptr;
@@ -698,7 +714,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
             if (!c.integer(93, count) || count < 0 || count > 10000000) return nullptr;
             for (std::int64_t k = 0; k < count; ++k) {
                 AcDbHatchEdge e;
-                if (!readEdge(c, withFitData, e)) return nullptr;
+                if (!readEdge(c, withFitData, e, record)) return nullptr;
                 loop.edges.push_back(std::move(e));
             }
         }
@@ -717,9 +733,16 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     hatch->setHatchStyle(static_cast<AcDbHatch::HatchStyle>(style));
     hatch->setElevation(elevation.z);
     hatch->setNormal(normal);
+    // The x and y of the elevation point mean nothing, and the normal is kept of unit
+    // length: the file's own numbers are written back.
+    AcGeVector3d unit = hatch->normal();
+    double written[] = {0, 0, elevation.z, unit.x, unit.y, unit.z};
+    for (int k = 0; k < 6; ++k)
+        ReadContext::spell(record, place[k], written[k], written[k]);
     hatch->setAssociative(associative != 0);
     std::vector<AcDbHatchPatternLine> lines;
     if (c.at(52)) {
+        Tags angleTag = c.here();
         double angle = 0, scale = 1;
         std::int64_t isDouble = 0, count = 0;
         if (!(c.real(52, angle) && c.real(41, scale) && c.integer(77, isDouble) &&
@@ -743,6 +766,8 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
         hatch->restorePattern(AcDbHatch::kPreDefined, L"", false);  // setters need a pattern
         if (scale > 0) hatch->setPatternScale(scale);
         hatch->setPatternAngle(degToRad(angle));
+        ReadContext::spell(record, *angleTag, hatch->patternAngle(),
+                           radToDeg(hatch->patternAngle()));
         hatch->setPatternDouble(isDouble != 0);
         if (scale <= 0) return nullptr;
     }
@@ -759,7 +784,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     return hatch.release();
 }
 
-void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e) {
+void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e, const ObjectRecord* record) {
     TagWriter& out = ctx.out;
     out.integer(72, e.type);
     switch (e.type) {
@@ -770,16 +795,16 @@ void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e) {
         case AcDbHatch::kCirArc:
             out.point(10, e.center.x, e.center.y);
             out.real(40, e.radius);
-            out.real(50, radToDeg(e.startAngle));
-            out.real(51, radToDeg(e.endAngle));
+            ctx.real(record, 50, e.startAngle, radToDeg(e.startAngle));
+            ctx.real(record, 51, e.endAngle, radToDeg(e.endAngle));
             out.integer(73, e.counterClockwise ? 1 : 0);
             break;
         case AcDbHatch::kEllArc:
             out.point(10, e.center.x, e.center.y);
             out.point(11, e.majorAxis.x, e.majorAxis.y);
             out.real(40, e.minorRatio);
-            out.real(50, radToDeg(e.startAngle));
-            out.real(51, radToDeg(e.endAngle));
+            ctx.real(record, 50, e.startAngle, radToDeg(e.startAngle));
+            ctx.real(record, 51, e.endAngle, radToDeg(e.endAngle));
             out.integer(73, e.counterClockwise ? 1 : 0);
             break;
         case AcDbHatch::kSpline:
@@ -810,9 +835,9 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     entityTable().write(obj, ctx, record);
     TagWriter& out = ctx.out;
     out.text(100, "AcDbHatch");
-    out.point(10, 0, 0, hatch.elevation());
+    ctx.point(record, 10, 0, 0, hatch.elevation());
     AcGeVector3d n = hatch.normal();
-    out.point(210, n.x, n.y, n.z);
+    ctx.point(record, 210, n.x, n.y, n.z);
     ctx.text(2, hatch.patternName());
     out.integer(70, hatch.isSolidFill() ? 1 : 0);
     // Associativity only holds while every boundary object is there.
@@ -841,7 +866,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
         } else {
             out.integer(93, static_cast<std::int64_t>(loop.edges.size()));
             for (const AcDbHatchEdge& e : loop.edges)
-                writeEdge(ctx, e);
+                writeEdge(ctx, e, record);
         }
         out.integer(97, associative ? static_cast<std::int64_t>(loop.sources.size()) : 0);
         if (associative) {
@@ -852,7 +877,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     out.integer(75, hatch.hatchStyle());
     out.integer(76, hatch.patternType());
     if (!hatch.isSolidFill()) {
-        out.real(52, radToDeg(hatch.patternAngle()));
+        ctx.real(record, 52, hatch.patternAngle(), radToDeg(hatch.patternAngle()));
         out.real(41, hatch.patternScale());
         out.integer(77, hatch.patternDouble() ? 1 : 0);
         out.integer(78, hatch.numPatternDefinitions());

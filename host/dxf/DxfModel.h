@@ -23,6 +23,15 @@ struct Extra {
     AcDbRawTag tag;
 };
 
+// A real as the file wrote it, where the value kept in memory gives another text: an
+// angle kept in radians, a normal the object keeps of unit length. Written back as read
+// while the object still holds that value.
+struct Spelling {
+    int code = 0;
+    double value = 0;  // as the object holds it
+    std::string text;
+};
+
 // What one object had in the file beyond its typed state. Objects whose file form is
 // exactly what the writer makes of them have none.
 struct ObjectRecord {
@@ -34,9 +43,10 @@ struct ObjectRecord {
     bool dictionaryFirst = false;  // {ACAD_XDICTIONARY came before {ACAD_REACTORS
     // The VERTEX/ATTRIB ... SEQEND that follow an entity the host does not model.
     std::vector<AcDbObjectId> children;
+    std::vector<Spelling> spellings;
     bool empty() const {
         return !hasPresent && extras.empty() && appGroups.empty() && handleCode == 5 &&
-               !dictionaryFirst && children.empty();
+               !dictionaryFirst && children.empty() && spellings.empty();
     }
 };
 
@@ -133,6 +143,12 @@ class ReadContext {
         if (!parseReal(tag.value, real)) badNumber(tag);
         return false;
     }
+    // Keeps the text of a real whose value in memory (value) is written otherwise.
+    static void spell(ObjectRecord& record, const TagView& tag, double value, double written) {
+        double read = 0;
+        if (!parseReal(tag.value, read) || read == written) return;
+        record.spellings.push_back({tag.code, value, std::string(tag.value)});
+    }
     void badNumber(const TagView& tag);
     // The first bad number of the object read since the last call, if any: the message
     // without the file name ("line 12: group code 10: ...") and its line.
@@ -164,6 +180,25 @@ class WriteContext {
     void textUtf8(int code, std::string_view value) { out.text(code, strings.fromUtf8(value)); }
     void raw(const AcDbRawTag& tag);
     void ref(int code, AcDbObjectId id) { out.handle(code, handleOf(id)); }
+    // A real the object holds, written as the file had it (see Spelling); written is
+    // its text otherwise (an angle in degrees).
+    void real(const ObjectRecord* record, int code, double value, double written) {
+        if (record != nullptr) {
+            for (const Spelling& s : record->spellings) {
+                if (s.code == code && s.value == value) {
+                    out.text(code, s.text);
+                    return;
+                }
+            }
+        }
+        out.real(code, written);
+    }
+    void point(const ObjectRecord* record, int code, double x, double y, double z) {
+        if (record == nullptr || record->spellings.empty()) return out.point(code, x, y, z);
+        real(record, code, x, x);
+        real(record, code + 10, y, y);
+        real(record, code + 20, z, z);
+    }
     // The handle of a live object; 0 for none and for an object that is gone.
     static std::uint64_t handleOf(AcDbObjectId id);
     void extras(const ObjectRecord* record, int anchor) {

@@ -103,6 +103,7 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
             case FieldKind::Angle:
                 ok = ctx.real(*t, v.real);
                 v.real = degToRad(v.real);
+                if (ok) ReadContext::spell(record, *t, v.real, radToDeg(v.real));
                 break;
             case FieldKind::Int:
                 ok = ctx.integer(*t, v.integer);
@@ -155,13 +156,14 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
     }
 }
 
-void FieldTable::writeField(const Field& f, const FieldValue& v, WriteContext& ctx) const {
+void FieldTable::writeField(const Field& f, const FieldValue& v, WriteContext& ctx,
+                            const ObjectRecord* record) const {
     switch (f.kind) {
         case FieldKind::Real:
             ctx.out.real(f.code, v.real);
             break;
         case FieldKind::Angle:
-            ctx.out.real(f.code, radToDeg(v.real));
+            ctx.real(record, f.code, v.real, radToDeg(v.real));
             break;
         case FieldKind::Int:
             ctx.out.integer(f.code, v.integer);
@@ -195,7 +197,7 @@ void FieldTable::write(const AcDbObject& obj, WriteContext& ctx, const ObjectRec
             if (write && f.writeOverride) {
                 f.writeOverride(v, ctx);
             } else if (write) {
-                writeField(f, v, ctx);
+                writeField(f, v, ctx, record);
             }
             ctx.extras(record, anchorOf(s, static_cast<int>(i)));
         }

@@ -64,7 +64,8 @@ class FieldTable {
     bool isDefault(const Field& f, const FieldValue& v) const {
         return same(f.kind, v, f.fallback);
     }
-    void writeField(const Field& f, const FieldValue& v, WriteContext& ctx) const;
+    void writeField(const Field& f, const FieldValue& v, WriteContext& ctx,
+                    const ObjectRecord* record) const;
 
     std::vector<Subclass> subclasses_;
     std::vector<std::size_t> firstBit_;

@@ -157,3 +157,86 @@ TEST(DxfLosslessTest, EntitiesBeforeBlocksAreWrittenAfterThem) {
 }
 
 }  // namespace
+
+namespace {
+
+// Angles (degrees in files, radians in memory) and normals (of unit length in memory)
+// are written with the numbers the file had, which read back to the same doubles.
+TEST(DxfLosslessTest, AnglesAndNormalsAreWrittenAsRead) {
+    Tags arc = {{0, "ARC"},
+                {5, "30"},
+                {100, "AcDbEntity"},
+                {8, "0"},
+                {100, "AcDbCircle"},
+                {10, "1"},
+                {20, "2"},
+                {30, "0"},
+                {40, "5"},
+                {100, "AcDbArc"},
+                {50, "61.92751944444445"},
+                {51, "30.010137640318135"}};
+    Tags text = {
+        {0, "TEXT"}, {5, "31"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"},        {10, "0"},
+        {20, "0"},   {30, "0"}, {40, "2.5"},         {1, "A"}, {50, "343.9706310263608"}};
+    Tags polyline = {{0, "LWPOLYLINE"},
+                     {5, "32"},
+                     {100, "AcDbEntity"},
+                     {8, "0"},
+                     {100, "AcDbPolyline"},
+                     {90, "2"},
+                     {70, "0"},
+                     {10, "1"},
+                     {20, "2"},
+                     {10, "3"},
+                     {20, "4"},
+                     {210, "-0.0160080086036236"},
+                     {220, "0.3"},
+                     {230, "0.9"}};
+    Tags hatch = {{0, "HATCH"},
+                  {5, "33"},
+                  {100, "AcDbEntity"},
+                  {8, "0"},
+                  {100, "AcDbHatch"},
+                  {10, "7"},
+                  {20, "8"},
+                  {30, "0"},
+                  {210, "0"},
+                  {220, "0.3"},
+                  {230, "0.9"},
+                  {2, "SOLID"},
+                  {70, "1"},
+                  {71, "0"},
+                  {91, "1"},
+                  {92, "1"},
+                  {93, "1"},
+                  {72, "2"},
+                  {10, "0"},
+                  {20, "0"},
+                  {40, "1"},
+                  {50, "-45.189688093741324"},
+                  {51, "19.193015881499786"},
+                  {73, "1"},
+                  {97, "0"},
+                  {75, "1"},
+                  {76, "1"},
+                  {98, "0"}};
+    std::string saved;
+    Tags out = roundTrip(section("ENTITIES", join({arc, text, polyline, hatch})), saved);
+    for (const Tags& in : {arc, text, polyline, hatch}) {
+        Tags record = recordOf(out, in[1].second);
+        SCOPED_TRACE(in[0].second);
+        for (const auto& tag : in) {
+            if (tag.first != 10 && tag.first != 20 && (tag.first < 50 || tag.first > 51) &&
+                (tag.first < 210 || tag.first > 230))
+                continue;
+            bool found = false;
+            for (const auto& written : record) {
+                found = found || (written.first == tag.first &&
+                                  std::stod(written.second) == std::stod(tag.second));
+            }
+            EXPECT_TRUE(found) << tag.first << " " << tag.second << "\n" << saved;
+        }
+    }
+}
+
+}  // namespace

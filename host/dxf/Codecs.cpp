@@ -844,7 +844,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     bool associative = hatch.associative();
     for (int i = 0; i < hatch.numLoops() && associative; ++i) {
         for (AcDbObjectId id : hatch.loopAt(i)->sources) {
-            if (WriteContext::handleOf(id) == 0) associative = false;
+            if (WriteContext::refOf(id) == 0) associative = false;
         }
     }
     out.integer(71, associative ? 1 : 0);
@@ -958,7 +958,7 @@ void writeDictionary(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     ctx.extras(record, 1);
     bool hardEntries = known ? (record->present & kDictHardEntries) != 0 : dict.isHardOwner();
     for (const auto& [key, id] : dict.entries()) {
-        if (WriteContext::handleOf(id) == 0) continue;  // the entry's object is gone
+        if (WriteContext::refOf(id) == 0) continue;  // the entry's object was erased
         ctx.text(3, key);
         ctx.ref(hardEntries ? 360 : 350, id);
     }
@@ -1030,7 +1030,7 @@ void writeSortents(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord*
     ctx.out.text(100, "AcDbSortentsTable");
     ctx.ref(330, table.blockId());
     for (const auto& [id, sortHandle] : table.entries()) {
-        if (WriteContext::handleOf(id) == 0) continue;
+        if (WriteContext::refOf(id) == 0) continue;
         ctx.ref(331, id);
         ctx.out.handle(5, sortHandle.value());
     }

@@ -131,6 +131,11 @@ std::uint64_t WriteContext::handleOf(AcDbObjectId id) {
     return id.handle().value();
 }
 
+std::uint64_t WriteContext::refOf(AcDbObjectId id) {
+    if (id.isNull() || id.isErased()) return 0;
+    return id.handle().value();
+}
+
 void WriteContext::raw(const AcDbRawTag& tag) {
     switch (db::kindOfGroupCode(tag.code)) {
         case db::ValueKind::String:

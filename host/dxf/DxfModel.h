@@ -41,12 +41,15 @@ struct ObjectRecord {
     AcDbRawTags appGroups;  // 102 groups other than reactors and extension dictionary
     int handleCode = 5;
     bool dictionaryFirst = false;  // {ACAD_XDICTIONARY came before {ACAD_REACTORS
+    // The owner the file named when it is no block an entity can be in (the entity is
+    // then in the space its flags say), written back as read.
+    std::uint64_t ownerAsRead = 0;
     // The VERTEX/ATTRIB ... SEQEND that follow an entity the host does not model.
     std::vector<AcDbObjectId> children;
     std::vector<Spelling> spellings;
     bool empty() const {
         return !hasPresent && extras.empty() && appGroups.empty() && handleCode == 5 &&
-               !dictionaryFirst && children.empty() && spellings.empty();
+               !dictionaryFirst && children.empty() && spellings.empty() && ownerAsRead == 0;
     }
 };
 
@@ -89,6 +92,7 @@ struct ParsedObject {
     int handleCode = 5;
     std::uint64_t owner = 0;
     bool hasOwner = false;
+    std::uint64_t ownerAsRead = 0;  // see ObjectRecord
     std::vector<std::uint64_t> reactors;
     std::uint64_t extensionDictionary = 0;
     bool dictionaryFirst = false;
@@ -179,7 +183,7 @@ class WriteContext {
     void text(int code, std::wstring_view value) { out.text(code, strings.fromWide(value)); }
     void textUtf8(int code, std::string_view value) { out.text(code, strings.fromUtf8(value)); }
     void raw(const AcDbRawTag& tag);
-    void ref(int code, AcDbObjectId id) { out.handle(code, handleOf(id)); }
+    void ref(int code, AcDbObjectId id) { out.handle(code, refOf(id)); }
     // A real the object holds, written as the file had it (see Spelling); written is
     // its text otherwise (an angle in degrees).
     void real(const ObjectRecord* record, int code, double value, double written) {
@@ -201,6 +205,10 @@ class WriteContext {
     }
     // The handle of a live object; 0 for none and for an object that is gone.
     static std::uint64_t handleOf(AcDbObjectId id);
+    // The handle a reference is written with: that of a live object, or the one a file
+    // named without holding it (kept as read: another program may hold the object);
+    // 0 for none and for an object that was erased.
+    static std::uint64_t refOf(AcDbObjectId id);
     void extras(const ObjectRecord* record, int anchor) {
         if (record == nullptr) return;
         for (const Extra& e : record->extras) {

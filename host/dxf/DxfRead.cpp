@@ -246,6 +246,7 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.handleCode = 5;
     p.owner = 0;
     p.hasOwner = false;
+    p.ownerAsRead = 0;
     p.reactors.clear();
     p.extensionDictionary = 0;
     p.dictionaryFirst = false;
@@ -375,6 +376,7 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     }
     if (bad && entity) keptAsRead_.push_back(id);
     record.handleCode = p.handleCode;
+    record.ownerAsRead = entity ? p.ownerAsRead : 0;
     record.dictionaryFirst = p.dictionaryFirst && !p.reactors.empty();
     record.appGroups = std::move(p.appGroups);
     if (codec && record.hasPresent && codec->isCanonical(*obj, probe_, record)) {
@@ -644,15 +646,19 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
     std::size_t first = batch.entities[entity], end = batch.entityEnd(entity);
     ParsedObject& parsed = placing_;
     parse(batch.object(first), parsed);
+    // An entity belongs to a block; an owner that is none (a damaged file, or one whose
+    // block records another program dropped) is written back as read, and the entity
+    // is in the space its flag says.
+    parsed.ownerAsRead = 0;
+    if (parsed.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed.owner))) {
+        parsed.hasOwner = false;
+        parsed.ownerAsRead = parsed.owner;
+    }
     // R12 files give the space by the 67 flag, later ones by the owner.
     if (!parsed.hasOwner && defaultOwner == modelSpace_) {
         for (const TagView& b : parsed.body) {
             if (b.code == 67 && trimmed(b.value) == "1") defaultOwner = paperSpace_;
         }
-    }
-    // An entity belongs to a block; an owner that is none (a damaged file) is ignored.
-    if (parsed.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed.owner))) {
-        parsed.hasOwner = false;
     }
     const Codec* codec = entityCodec(parsed.type);
     if (parsed.type == "POLYLINE") {

@@ -205,17 +205,17 @@ void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const Obj
     }
     bool anyReactor = false;
     for (AcDbObjectId id : obj.persistentReactorIds())
-        anyReactor = anyReactor || live(id);
+        anyReactor = anyReactor || WriteContext::refOf(id) != 0;
     auto reactors = [&] {
         if (!anyReactor) return;
         out.text(102, "{ACAD_REACTORS");
         for (AcDbObjectId id : obj.persistentReactorIds()) {
-            if (live(id)) ctx_.ref(330, id);
+            if (WriteContext::refOf(id) != 0) ctx_.ref(330, id);
         }
         out.text(102, "}");
     };
     auto dictionary = [&] {
-        if (!live(obj.extensionDictionary())) return;
+        if (WriteContext::refOf(obj.extensionDictionary()) == 0) return;
         out.text(102, "{ACAD_XDICTIONARY");
         ctx_.ref(360, obj.extensionDictionary());
         out.text(102, "}");
@@ -227,7 +227,8 @@ void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const Obj
         reactors();
         dictionary();
     }
-    out.handle(330, WriteContext::handleOf(obj.ownerId()));
+    out.handle(330, record && record->ownerAsRead ? record->ownerAsRead
+                                                  : WriteContext::refOf(obj.ownerId()));
 }
 
 void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {

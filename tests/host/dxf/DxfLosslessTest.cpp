@@ -2,6 +2,7 @@
 // per way a writer once lost or moved something.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -236,6 +237,79 @@ TEST(DxfLosslessTest, AnglesAndNormalsAreWrittenAsRead) {
             }
             EXPECT_TRUE(found) << tag.first << " " << tag.second << "\n" << saved;
         }
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// References to handles the file does not hold are written back as read: another program
+// may hold those objects, and a reader that checks them finds the file as it was.
+TEST(DxfLosslessTest, DanglingReferencesAreKeptAsRead) {
+    Tags line = {{0, "LINE"},
+                 {5, "40"},
+                 {102, "{ACAD_REACTORS"},
+                 {330, "9A1"},
+                 {102, "}"},
+                 {330, "9A2"},
+                 {100, "AcDbEntity"},
+                 {67, "1"},
+                 {8, "0"},
+                 {100, "AcDbLine"},
+                 {10, "0"},
+                 {20, "0"},
+                 {30, "0"},
+                 {11, "1"},
+                 {21, "1"},
+                 {31, "0"}};
+    Tags hatch = {{0, "HATCH"},       {5, "41"},  {330, "9A2"}, {100, "AcDbEntity"}, {8, "0"},
+                  {100, "AcDbHatch"}, {10, "0"},  {20, "0"},    {30, "0"},           {210, "0"},
+                  {220, "0"},         {230, "1"}, {2, "SOLID"}, {70, "1"},           {71, "1"},
+                  {91, "1"},          {92, "3"},  {72, "0"},    {73, "1"},           {93, "3"},
+                  {10, "0"},          {20, "0"},  {10, "1"},    {20, "0"},           {10, "0"},
+                  {20, "1"},          {97, "1"},  {330, "9A3"}, {75, "1"},           {76, "1"},
+                  {98, "0"}};
+    Tags objects = {{0, "DICTIONARY"},
+                    {5, "C"},
+                    {330, "0"},
+                    {100, "AcDbDictionary"},
+                    {281, "1"},
+                    {3, "A"},
+                    {350, "9A4"},
+                    {3, "B"},
+                    {350, "50"},
+                    {0, "XRECORD"},
+                    {5, "50"},
+                    {330, "C"},
+                    {100, "AcDbXrecord"},
+                    {280, "1"},
+                    {1, "x"},
+                    {330, "9A5"},
+                    {0, "SORTENTSTABLE"},
+                    {5, "51"},
+                    {330, "9A6"},
+                    {100, "AcDbSortentsTable"},
+                    {330, "9A2"},
+                    {331, "9A7"},
+                    {5, "9A8"},
+                    {331, "40"},
+                    {5, "52"}};
+    std::string saved;
+    Tags out = roundTrip(
+        join({section("ENTITIES", join({line, hatch})), section("OBJECTS", objects)}), saved);
+    for (const Tags& in : {line, hatch}) {
+        Tags record = recordOf(out, in[1].second);
+        for (const auto& tag : in) {
+            if (tag.first != 330 && tag.first != 67) continue;
+            EXPECT_NE(std::find(record.begin(), record.end(), tag), record.end())
+                << in[0].second << ": " << tag.first << " " << tag.second << "\n"
+                << saved;
+        }
+    }
+    for (const char* handle : {"C", "50", "51"}) {
+        Tags in = recordOf(objects, handle), record = recordOf(out, handle);
+        EXPECT_EQ(record, in) << saved;
     }
 }
 

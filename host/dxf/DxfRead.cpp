@@ -187,6 +187,9 @@ class Loader {
                                   namedObjects_, modelSpace_, paperSpace_);
     }
 
+    // Keeps the handles of the file free before the loader makes anything: the objects
+    // it adds and those the file gave no handle get handles the file does not use.
+    void reserveHandles();
     // Decides the code page of the strings once, before the first string is read: the
     // option's, the file's, else one guessed from the bytes of the whole file.
     void decideCodePage(const std::string& declared);
@@ -213,6 +216,7 @@ class Loader {
     bool recover_ = false;
     std::string codePageOption_;
     bool codePageDecided_ = false;
+    bool handlesReserved_ = false;
     std::size_t numberErrorLine_ = 0;
     std::string numberError_;  // the first number that was not one, in a strict read
     std::vector<AcDbObjectId> keptAsRead_;
@@ -222,7 +226,28 @@ class Loader {
         paperSpace_;
 };
 
+// R12 writers put the handle after the layer ("0 LINE", "8 0", "5 2A"): it is moved
+// to the head, where the reader takes handles, and where the writer writes them. The 5
+// of a DIMSTYLE is its arrow block, not a handle (its handle is 105).
+void handleToHead(std::vector<TagView>& tags, std::size_t start) {
+    std::size_t n = tags.size();
+    if (n < start + 3 || tags[start + 1].code == 5 || tags[start + 1].code == 105) return;
+    std::string_view type = trimmed(tags[start].value);
+    if (type == "DIMSTYLE" || type == "TABLE") return;  // a TABLE's name comes first
+    for (std::size_t k = start + 2; k < n; ++k) {
+        int code = tags[k].code;
+        if (code == 100 || code == 102 || code == 105 || code >= 1000) return;
+        if (code == 5) {
+            std::rotate(tags.begin() + static_cast<std::ptrdiff_t>(start + 1),
+                        tags.begin() + static_cast<std::ptrdiff_t>(k),
+                        tags.begin() + static_cast<std::ptrdiff_t>(k + 1));
+            return;
+        }
+    }
+}
+
 bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
+    std::size_t start = tags.size();
     tags.push_back(first);
     // Read straight into the list: a tag copied in from a local is reloaded before its
     // stores have landed, which costs more than the reading itself.
@@ -232,6 +257,7 @@ bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const
         if (t.code == 0) {
             unread(t);
             tags.pop_back();
+            handleToHead(tags, start);
             return true;
         }
     }
@@ -403,11 +429,22 @@ std::string guessCodePage(std::istream& in) {
     in.seekg(0);
     std::uint64_t pairs = 0, single = 0;
     int lead = -1;
+    // Text that is UTF-8 throughout was written by a program that ignored the code page:
+    // read as the DXF default, as other readers read it.
+    bool utf8 = true;
+    int continuations = 0;
     std::vector<char> buffer(1 << 16);
     while (in.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || in.gcount() > 0) {
         std::size_t n = static_cast<std::size_t>(in.gcount());
         for (std::size_t i = 0; i < n; ++i) {
             int b = static_cast<unsigned char>(buffer[i]);
+            if (continuations > 0) {
+                utf8 = utf8 && (b & 0xC0) == 0x80;
+                --continuations;
+            } else if (b >= 0x80) {
+                continuations = b >= 0xC2 && b <= 0xDF ? 1 : b >= 0xE0 && b <= 0xEF ? 2 : 3;
+                utf8 = utf8 && b >= 0xC2 && b <= 0xF4;
+            }
             if (lead >= 0) {
                 if (lead >= 0xA1 && lead <= 0xF7 && b >= 0xA1 && b <= 0xFE) {
                     ++pairs;
@@ -425,7 +462,44 @@ std::string guessCodePage(std::istream& in) {
     in.clear();
     in.seekg(at);
     in.clear(state);
-    return pairs > 0 && single * 4 <= pairs ? "ANSI_936" : "ANSI_1252";
+    return pairs > 0 && single * 4 <= pairs && !utf8 ? "ANSI_936" : "ANSI_1252";
+}
+
+// One past the largest handle a file names (defines or refers to), read ahead in a
+// stream that can seek; 0 when it cannot.
+std::uint64_t scanHandles(std::istream& in) {
+    std::ios::iostate state = in.rdstate();
+    in.clear();
+    std::istream::pos_type at = in.tellg();
+    if (at == std::istream::pos_type(-1)) {
+        in.clear(state);
+        return 0;
+    }
+    in.seekg(0);
+    std::uint64_t next = 0;
+    {
+        TagReader scan(in, "");
+        TagView t;
+        while (scan.next(t)) {
+            int c = t.code;
+            if (c == 5 || c == 105 || (c >= 320 && c <= 369) || (c >= 390 && c <= 399) ||
+                c == 480 || c == 481 || c == 1005) {
+                std::uint64_t h = ReadContext::parseHandle(t.value);
+                if (h < UINT64_MAX) next = std::max(next, h + 1);
+            }
+            scan.release();
+        }
+    }
+    in.clear();
+    in.seekg(at);
+    in.clear(state);
+    return next;
+}
+
+void Loader::reserveHandles() {
+    handlesReserved_ = true;
+    if (handseed_ == 0) handseed_ = scanHandles(in_);
+    database_.setHandseed(handseed_);
 }
 
 void Loader::decideCodePage(const std::string& declared) {
@@ -466,6 +540,8 @@ bool Loader::readHeader() {
             // No object takes fewer than some 40 bytes of a file: a seed far beyond what
             // the file can hold reserves nothing it does not need.
             if (fileSize_ > 0) database_.reserve(std::min(handseed_, fileSize_ / 40));
+            // Kept free from now on, for what has no handle in the file.
+            database_.setHandseed(handseed_);
         }
         if (name == "$INSUNITS" || name == "$TILEMODE") {
             std::int64_t v = 0;
@@ -932,6 +1008,7 @@ bool Loader::run() {
         any = true;
         file_->sectionOrder.push_back(name);
         if (name != "HEADER" && !codePageDecided_) decideCodePage("");
+        if (name != "HEADER" && !handlesReserved_) reserveHandles();
         bool ok = false;
         if (name == "HEADER") {
             ok = readHeader();

@@ -314,3 +314,120 @@ TEST(DxfLosslessTest, DanglingReferencesAreKeptAsRead) {
 }
 
 }  // namespace
+
+namespace {
+
+// R12 files give records without handles, and write the handle after the layer: those
+// records get handles the file does not use, and the file's own stay where they were.
+TEST(DxfLosslessTest, RecordsWithoutHandlesTakeNoHandleOfTheFile) {
+    Tags header = section("HEADER", {{9, "$ACADVER"}, {1, "AC1009"}});
+    Tags tables = section("TABLES", {{0, "TABLE"},
+                                     {2, "LAYER"},
+                                     {70, "2"},
+                                     {0, "LAYER"},
+                                     {2, "A"},
+                                     {70, "0"},
+                                     {62, "1"},
+                                     {6, "CONTINUOUS"},
+                                     {0, "LAYER"},
+                                     {2, "B"},
+                                     {70, "0"},
+                                     {62, "2"},
+                                     {6, "CONTINUOUS"},
+                                     {0, "ENDTAB"}});
+    Tags blocks = section("BLOCKS", {{0, "BLOCK"},
+                                     {8, "0"},
+                                     {2, "K"},
+                                     {70, "0"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {30, "0"},
+                                     {3, "K"},
+                                     {0, "ENDBLK"},
+                                     {8, "0"}});
+    Tags entities = section("ENTITIES", {{0, "LINE"},
+                                         {8, "A"},
+                                         {5, "1"},
+                                         {10, "0"},
+                                         {20, "0"},
+                                         {30, "0"},
+                                         {11, "1"},
+                                         {21, "1"},
+                                         {31, "0"},
+                                         {0, "CIRCLE"},
+                                         {8, "B"},
+                                         {5, "2"},
+                                         {10, "0"},
+                                         {20, "0"},
+                                         {30, "0"},
+                                         {40, "1"}});
+    for (bool seed : {false, true}) {
+        Tags withSeed = header;
+        if (seed) withSeed.insert(withSeed.end() - 1, {{9, "$HANDSEED"}, {5, "3"}});
+        std::string saved;
+        Tags out = roundTrip(join({withSeed, tables, blocks, entities}), saved);
+        EXPECT_EQ(recordOf(out, "1").front(), (std::pair<int, std::string>{0, "LINE"})) << saved;
+        EXPECT_EQ(recordOf(out, "2").front(), (std::pair<int, std::string>{0, "CIRCLE"}));
+        std::string error;
+        auto again = dxftest::loadText(saved, error);
+        ASSERT_TRUE(again) << error;
+        auto* space = arx::peek<AcDbBlockTableRecord>(again->modelSpaceId());
+        ASSERT_EQ(space->entityIds().size(), 2u);
+        EXPECT_TRUE(AcDbLine::cast(arx::peekObject(space->entityIds()[0])));
+    }
+}
+
+std::wstring textOf(const std::string& bytes, const std::string& codePage = "") {
+    std::string file = text(join({section("HEADER", {{9, "$ACADVER"}, {1, "AC1015"}}),
+                                  section("ENTITIES", {{0, "TEXT"},
+                                                       {5, "A1"},
+                                                       {8, "0"},
+                                                       {10, "0"},
+                                                       {20, "0"},
+                                                       {30, "0"},
+                                                       {40, "1"},
+                                                       {1, bytes}}),
+                                  {{0, "EOF"}}}));
+    dxf::ReadOptions options;
+    options.codePage = codePage;
+    std::string error;
+    auto database = dxftest::loadText(file, error, options);
+    EXPECT_TRUE(database) << error;
+    if (!database) return L"";
+    auto* space = arx::peek<AcDbBlockTableRecord>(database->modelSpaceId());
+    auto* textEntity = space && !space->entityIds().empty()
+                           ? AcDbText::cast(arx::peekObject(space->entityIds()[0]))
+                           : nullptr;
+    EXPECT_TRUE(textEntity);
+    return textEntity ? textEntity->text() : L"";
+}
+
+// A file before AC1021 without $DWGCODEPAGE: GBK when its text is Chinese in GBK, the
+// DXF default ANSI_1252 otherwise (also for UTF-8 bytes, as other readers read them);
+// the option overrides both.
+TEST(DxfLosslessTest, CodePageOfAFileThatNamesNoneComesFromItsText) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        std::string option;
+        std::wstring expected;
+    } cases[] = {
+        {"Western", "caf\xE9 \xBF\\U+03BB", "", L"caf\u00E9 \u00BF\u03BB"},
+        {"Chinese in GBK", "\xB5\xD8\xBF\xE9 A1", "", L"\u5730\u5757 A1"},
+        {"UTF-8", "\xC3\xB8", "", L"\u00C3\u00B8"},
+        {"GBK by option", "\xB5\xD8", "ANSI_936", L"\u5730"},
+        {"Chinese read as Western by option", "\xB5\xD8\xBF\xE9", "ANSI_1252",
+         L"\u00B5\u00D8\u00BF\u00E9"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(textOf(c.bytes, c.option), c.expected);
+    }
+    std::string error;
+    dxf::ReadOptions unknown;
+    unknown.codePage = "ANSI_99999";
+    EXPECT_EQ(dxftest::loadText(text(section("ENTITIES", {})), error, unknown), nullptr);
+    EXPECT_EQ(error, "test.dxf: unknown code page \"ANSI_99999\"");
+}
+
+}  // namespace

@@ -668,7 +668,7 @@ bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e, ObjectRecord& recor
     return true;
 }
 
-enum : std::uint64_t { kHatchNoSeeds = 1ull << 40 };
+enum : std::uint64_t { kHatchNoSeeds = 1ull << 40, kHatchPattern = 1ull << 41 };
 // The anchor of the tags after the pattern (seed points, gradient), apart from the
 // entity part's anchors.
 constexpr int kHatchTail = FieldTable::kOwn;
@@ -742,6 +742,8 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     hatch->setAssociative(associative != 0);
     std::vector<AcDbHatchPatternLine> lines;
     if (c.at(52)) {
+        // Written back also for a solid fill, which some programs give a pattern too.
+        record.present |= kHatchPattern;
         Tags angleTag = c.here();
         double angle = 0, scale = 1;
         std::int64_t isDouble = 0, count = 0;
@@ -876,7 +878,8 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     }
     out.integer(75, hatch.hatchStyle());
     out.integer(76, hatch.patternType());
-    if (!hatch.isSolidFill()) {
+    bool pattern = record && record->hasPresent && (record->present & kHatchPattern);
+    if (!hatch.isSolidFill() || pattern) {
         ctx.real(record, 52, hatch.patternAngle(), radToDeg(hatch.patternAngle()));
         out.real(41, hatch.patternScale());
         out.integer(77, hatch.patternDouble() ? 1 : 0);
@@ -902,7 +905,10 @@ bool hatchCanonical(const AcDbObject& obj, const WriteContext& ctx, const Object
     std::uint64_t entity = record.present & ((1ull << 40) - 1);
     return record.extras.size() == 1 && record.extras[0].anchor == kHatchTail &&
            record.extras[0].tag.code == 98 && record.extras[0].tag.value == "0" &&
-           !(record.present & kHatchNoSeeds) && entity == entityTable().defaultPresence(obj, ctx);
+           !(record.present & kHatchNoSeeds) && entity == entityTable().defaultPresence(obj, ctx) &&
+           (record.present & kHatchPattern) == (static_cast<const AcDbHatch&>(obj).isSolidFill()
+                                                    ? std::uint64_t(0)
+                                                    : std::uint64_t(kHatchPattern));
 }
 
 // ---------------------------------------------------------------- objects

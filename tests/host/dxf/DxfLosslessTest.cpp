@@ -431,3 +431,63 @@ TEST(DxfLosslessTest, CodePageOfAFileThatNamesNoneComesFromItsText) {
 }
 
 }  // namespace
+
+namespace {
+
+// A solid fill that also carries a pattern definition keeps it.
+TEST(DxfLosslessTest, SolidHatchKeepsItsPatternTags) {
+    Tags hatch = {{0, "HATCH"},
+                  {5, "2C"},
+                  {100, "AcDbEntity"},
+                  {8, "0"},
+                  {100, "AcDbHatch"},
+                  {10, "0"},
+                  {20, "0"},
+                  {30, "0"},
+                  {210, "0"},
+                  {220, "0"},
+                  {230, "1"},
+                  {2, "SOLID"},
+                  {70, "1"},
+                  {71, "0"},
+                  {91, "1"},
+                  {92, "2"},
+                  {72, "0"},
+                  {73, "1"},
+                  {93, "3"},
+                  {10, "0"},
+                  {20, "0"},
+                  {10, "4"},
+                  {20, "0"},
+                  {10, "0"},
+                  {20, "3"},
+                  {97, "0"},
+                  {75, "1"},
+                  {76, "1"},
+                  {52, "0"},
+                  {41, "1"},
+                  {77, "0"},
+                  {78, "1"},
+                  {53, "45"},
+                  {43, "0"},
+                  {44, "0"},
+                  {45, "-0.0883883476483184"},
+                  {46, "0.0883883476483185"},
+                  {79, "0"},
+                  {98, "0"}};
+    std::string saved;
+    Tags out = recordOf(roundTrip(section("ENTITIES", hatch), saved), "2C");
+    Tags pattern(hatch.begin() + 28, hatch.end());
+    Tags own = subclassOf(out, "AcDbHatch");
+    ASSERT_GE(own.size(), pattern.size()) << saved;
+    Tags tail(own.end() - static_cast<std::ptrdiff_t>(pattern.size()), own.end());
+    ASSERT_EQ(tail.size(), pattern.size());
+    for (std::size_t i = 0; i < tail.size(); ++i) {
+        EXPECT_EQ(tail[i].first, pattern[i].first) << saved;
+        if (tail[i].first != 2) {
+            EXPECT_EQ(std::stod(tail[i].second), std::stod(pattern[i].second));
+        }
+    }
+}
+
+}  // namespace

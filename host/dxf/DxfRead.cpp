@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -136,6 +137,22 @@ class Loader {
         if (reader_.failed()) return false;
         return fail(reader_.line() + 1, "expected " + expected + ", found the end of the file");
     }
+    // The end of the file where expected was due: with recover, what was read stands
+    // (a warning says so); else the error.
+    bool endsHere(const std::string& expected) {
+        if (reader_.failed()) return false;
+        if (!recover_) return failAtEnd(expected);
+        warn(reader_.line() + 1, "the file ends without " + expected + ": what was read stands");
+        return true;
+    }
+    // A section left without its "0 ENDSEC" where the next section or the end begins:
+    // with recover, the section ends there (t is read again).
+    bool sectionCutShort(const TagView& t) {
+        if (!recover_ || !(is(t, 0, "SECTION") || is(t, 0, "EOF"))) return false;
+        warn(t.line, "no \"0 ENDSEC\" before " + describe(t) + ": the section ends there");
+        unread(t);
+        return true;
+    }
     // The tags of one object, from its "0 TYPE" to before the next 0; collectInto adds
     // them to what tags holds.
     bool collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
@@ -162,9 +179,13 @@ class Loader {
         reader_.fail(numberErrorLine_, numberError_);
         return false;
     }
+    // Called by the thread that reads and the one that makes objects.
     void warn(std::size_t line, const std::string& what) {
+        std::lock_guard<std::mutex> lock(warnings_);
         file_->report.warnings.push_back(reader_.where(line) + ": " + what);
     }
+    // Says that the object read with a handle already taken got the one of id.
+    void renumbered(const ParsedObject& parsed, AcDbObjectId id);
     // The numbers of the objects of a POLYLINE's run to SEQEND, checked before they are
     // made, so that the run is kept as read as a whole.
     bool treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end);
@@ -214,6 +235,7 @@ class Loader {
     std::uint64_t fileSize_ = 0;
     int threads_ = 1;  // that read the entities
     bool recover_ = false;
+    std::mutex warnings_;
     std::string codePageOption_;
     bool codePageDecided_ = false;
     bool handlesReserved_ = false;
@@ -262,6 +284,9 @@ bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const
         }
     }
     tags.pop_back();
+    handleToHead(tags, start);
+    // With recover, the enclosing section says that the file ended.
+    if (recover_ && !reader_.failed()) return true;
     return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
 }
 
@@ -342,6 +367,15 @@ bool Loader::badNumberIn(const ParsedObject& p) {
     return true;
 }
 
+void Loader::renumbered(const ParsedObject& p, AcDbObjectId id) {
+    char given[17], taken[17];
+    std::snprintf(given, sizeof given, "%llX", static_cast<unsigned long long>(p.handle));
+    std::snprintf(taken, sizeof taken, "%llX",
+                  static_cast<unsigned long long>(id.handle().value()));
+    warn(p.line, "handle " + std::string(given) + " given twice: the " + std::string(p.type) +
+                     " takes handle " + taken);
+}
+
 bool Loader::treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end) {
     for (std::size_t o = first; o < end; ++o) {
         for (const TagView& t : batch.object(o)) {
@@ -399,6 +433,7 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     if (database_.restoreObject(id, obj, AcDbHandle(p.handle)) != Acad::eOk) {
         // A handle given twice or none at all: the object gets a fresh one.
         database_.restoreObject(id, obj, AcDbHandle());
+        if (p.handle != 0 && recover_) renumbered(p, id);
     }
     if (bad && entity) keptAsRead_.push_back(id);
     record.handleCode = p.handleCode;
@@ -520,15 +555,37 @@ bool Loader::readHeader() {
     std::vector<std::size_t> lines;
     std::string version, codePage;
     TagView t;
+    bool ended = false;
     while (next(t)) {
-        if (is(t, 0, "ENDSEC")) break;
-        if (t.code == 0)
+        if (is(t, 0, "ENDSEC")) {
+            // Some writers (dxflib) put header variables after the HEADER's ENDSEC.
+            TagView after;
+            if (recover_ && next(after)) {
+                if (after.code == 9) {
+                    warn(after.line,
+                         "header variables after the HEADER's \"0 ENDSEC\": read "
+                         "as part of the HEADER");
+                    raw.emplace_back(after.code, std::string(after.value));
+                    lines.push_back(after.line);
+                    continue;
+                }
+                unread(after);
+            }
+            ended = true;
+            break;
+        }
+        if (t.code == 0) {
+            if (sectionCutShort(t)) {
+                ended = true;
+                break;
+            }
             return fail(t.line, "expected \"0 ENDSEC\" to end the HEADER, found " + describe(t));
+        }
         raw.emplace_back(t.code, std::string(t.value));
         lines.push_back(t.line);
     }
     if (reader_.failed()) return false;
-    if (!is(t, 0, "ENDSEC")) return failAtEnd("\"0 ENDSEC\"");
+    if (!ended && !endsHere("\"0 ENDSEC\"")) return false;
     for (std::size_t i = 0; i + 1 < raw.size(); ++i) {
         if (raw[i].first != 9) continue;
         std::string_view name = trimmed(raw[i].second);
@@ -580,13 +637,15 @@ bool Loader::readKeptSection(const std::string& name) {
             return true;
         }
         if (is(t, 0, "EOF") || is(t, 0, "SECTION")) {
+            if (sectionCutShort(t)) break;
             return fail(t.line, "expected \"0 ENDSEC\" to end the " + name + " section, found " +
                                     describe(t));
         }
         section.tags.push_back(ctx_.raw(t));
         if (section.tags.size() % 4096 == 0) reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    file_->keptSections.push_back(std::move(section));
+    return reader_.failed() ? false : t.code == 0 ? true : endsHere("\"0 ENDSEC\"");
 }
 
 bool Loader::readTables() {
@@ -594,6 +653,7 @@ bool Loader::readTables() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (!is(t, 0, "TABLE")) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected \"0 TABLE\" or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDTAB")) return false;
@@ -618,7 +678,7 @@ bool Loader::readTables() {
         auto* typed = arx::peek<AcDbSymbolTable>(tableId);
         reader_.release();
         for (;;) {
-            if (!next(t)) return failAtEnd("\"0 ENDTAB\"");
+            if (!next(t)) return endsHere("\"0 ENDTAB\"");
             if (is(t, 0, "ENDTAB")) {
                 if (!collect(t, tags_, "ENDSEC")) return false;
                 break;
@@ -657,7 +717,7 @@ bool Loader::readTables() {
             reader_.release();
         }
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 void Loader::ensureBlockTable() {
@@ -704,7 +764,7 @@ bool Loader::gatherEntity(const TagView& first, EntityBatch& batch) {
     if (!withChildren) return true;
     TagView t;
     for (;;) {
-        if (!next(t)) return failAtEnd("\"0 SEQEND\"");
+        if (!next(t)) return endsHere("\"0 SEQEND\"");
         std::string_view childType = trimmed(t.value);
         if (t.code != 0 ||
             (childType != "VERTEX" && childType != "ATTRIB" && childType != "SEQEND")) {
@@ -754,7 +814,11 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
     }
     // The parent is placed after its children, which name it as their owner.
     if (parsed.handle == 0 || arx::peekObject(ctx_.idOf(parsed.handle)) != nullptr) {
-        parsed.handle = database_.handseed().value();  // free, so the children can name it
+        std::uint64_t free = database_.handseed().value();  // so the children can name it
+        if (parsed.handle != 0 && recover_) {
+            renumbered(parsed, ctx_.idOf(free));
+        }
+        parsed.handle = free;
     }
     AcDbObjectId parentId = ctx_.idOf(parsed.handle);
     std::vector<AcDbObjectId> children;
@@ -788,6 +852,7 @@ bool Loader::readBlocks() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (!is(t, 0, "BLOCK")) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected \"0 BLOCK\" or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDBLK")) return false;
@@ -819,9 +884,10 @@ bool Loader::readBlocks() {
         reader_.release();
         bool layout = recordId == modelSpace_ || recordId == paperSpace_;
         for (;;) {
-            if (!next(t)) return failAtEnd("\"0 ENDBLK\"");
+            if (!next(t)) return endsHere("\"0 ENDBLK\"");
             if (is(t, 0, "ENDBLK")) break;
             if (t.code != 0 || isStructural(t)) {
+                if (sectionCutShort(t)) return true;
                 return fail(t.line, "expected an entity or \"0 ENDBLK\", found " + describe(t));
             }
             AcDbObjectId id;
@@ -839,7 +905,7 @@ bool Loader::readBlocks() {
         file_->blocks.push_back(recordId);
         reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 void Loader::placeModelSpaceBatch(const EntityBatch& batch) {
@@ -859,8 +925,11 @@ void Loader::gatherBatch(EntityBatch& batch) {
     bool first = true;
     while (batch.tags.size() < kBatchTags) {
         if (!next(t)) {
-            failAtEnd("\"0 ENDSEC\"");
-            batch.failed = true;
+            if (endsHere("\"0 ENDSEC\"")) {
+                batch.ended = true;
+            } else {
+                batch.failed = true;
+            }
             break;
         }
         if (is(t, 0, "ENDSEC")) {
@@ -868,6 +937,10 @@ void Loader::gatherBatch(EntityBatch& batch) {
             break;
         }
         if (t.code != 0 || isStructural(t)) {
+            if (sectionCutShort(t)) {
+                batch.ended = true;
+                break;
+            }
             fail(t.line, "expected an entity or \"0 ENDSEC\", found " + describe(t));
             batch.failed = true;
             break;
@@ -937,6 +1010,7 @@ bool Loader::readObjects() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (t.code != 0 || isStructural(t)) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected an object or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDSEC")) return false;
@@ -947,7 +1021,7 @@ bool Loader::readObjects() {
         file_->objects.push_back(id);
         reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 bool Loader::finish() {
@@ -998,12 +1072,25 @@ bool Loader::run() {
             return finish();
         }
         if (!is(t, 0, "SECTION")) {
-            return fail(t.line, std::string(any ? "" : "not a DXF file: ") +
-                                    "expected \"0 SECTION\" or \"0 EOF\", found " + describe(t));
+            // A section name without its "0 SECTION", as some writers leave it.
+            if (recover_ && any && t.code == 2) {
+                warn(t.line, "no \"0 SECTION\" before " + describe(t) + ": read as a section");
+            } else {
+                return fail(t.line, std::string(any ? "" : "not a DXF file: ") +
+                                        "expected \"0 SECTION\" or \"0 EOF\", found " +
+                                        describe(t));
+            }
+        } else {
+            if (!next(t)) return endsHere("\"2\" with the section name") && finish();
+            if (t.code != 2) {
+                if (recover_ && any && is(t, 0, "EOF")) {
+                    warn(t.line, "a section without a name before \"0 EOF\": left out");
+                    unread(t);
+                    continue;
+                }
+                return fail(t.line, "expected \"2\" with the section name, found " + describe(t));
+            }
         }
-        if (!next(t)) return failAtEnd("\"2\" with the section name");
-        if (t.code != 2)
-            return fail(t.line, "expected \"2\" with the section name, found " + describe(t));
         std::string name(trimmed(t.value));
         any = true;
         file_->sectionOrder.push_back(name);
@@ -1027,6 +1114,7 @@ bool Loader::run() {
         reader_.release();
     }
     if (reader_.failed()) return false;
+    if (any && endsHere("\"0 EOF\"")) return finish();
     return failAtEnd(any ? "\"0 EOF\"" : "\"0 SECTION\" (the file is empty)");
 }
 

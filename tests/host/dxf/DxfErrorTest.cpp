@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/arx/dbents.h"
+#include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
 #include "tests/host/dxf/DxfTestSupport.h"
@@ -121,6 +122,79 @@ TEST(DxfErrorTest, BadValuesInKnownEntitiesAreKeptAsRead) {
     EXPECT_NE(saved.find(" 40\n-5\n"), std::string::npos);
     // A polyline that announces 7 vertices and has 1 is kept whole.
     EXPECT_NE(saved.find(" 90\n7\n 10\n0\n 20\n0\n"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+// What ezdxf's recover reads, kplan's recover reads too, saying what it repaired; the
+// default read refuses the same files.
+TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
+    const std::string line =
+        tags({{0, "LINE"}, {5, "2A"}, {8, "0"}, {10, "0"}, {20, "0"}, {11, "1"}, {21, "1"}});
+    struct Case {
+        const char* what;
+        std::string text;
+        std::vector<std::string> warnings;
+        int lines;  // LINEs read
+    } cases[] = {
+        {"no EOF",
+         kHead + line + tags({{0, "ENDSEC"}}),
+         {"test.dxf: line 21: the file ends without \"0 EOF\": what was read stands"},
+         1},
+        {"no ENDSEC before EOF",
+         kHead + line + tags({{0, "EOF"}}),
+         {"test.dxf: line 19: no \"0 ENDSEC\" before \"0 EOF\": the section ends there"},
+         1},
+        {"no ENDSEC and no EOF",
+         kHead + line,
+         {"test.dxf: line 19: the file ends without \"0 ENDSEC\": what was read stands",
+          "test.dxf: line 19: the file ends without \"0 EOF\": what was read stands"},
+         1},
+        {"header variables after ENDSEC (dxflib)",
+         tags({{0, "SECTION"},
+               {2, "HEADER"},
+               {9, "$ACADVER"},
+               {1, "AC1015"},
+               {0, "ENDSEC"},
+               {9, "$INSUNITS"},
+               {70, "4"},
+               {0, "ENDSEC"}}) +
+             kHead + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
+         {"test.dxf: line 11: header variables after the HEADER's \"0 ENDSEC\": read as part of "
+          "the HEADER"},
+         1},
+        {"no SECTION before a section name",
+         tags({{0, "SECTION"}, {2, "HEADER"}, {0, "ENDSEC"}, {2, "ENTITIES"}}) + line +
+             tags({{0, "ENDSEC"}, {0, "EOF"}}),
+         {"test.dxf: line 7: no \"0 SECTION\" before \"2 ENTITIES\": read as a section"},
+         1},
+        {"a handle given twice",
+         kHead + line + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
+         {"test.dxf: line 19: handle 2A given twice: the LINE takes handle 2E"},
+         2},
+    };
+    for (const Case& c : cases) {
+        for (int threads : {1, 2}) {
+            SCOPED_TRACE(std::string(c.what) + ", threads " + std::to_string(threads));
+            dxf::ReadOptions options = dxftest::withThreads(threads);
+            std::string error;
+            if (std::string(c.what) != "a handle given twice") {
+                EXPECT_EQ(dxftest::loadText(c.text, error, options), nullptr);
+            }
+            options.recover = true;
+            auto database = dxftest::loadText(c.text, error, options);
+            ASSERT_TRUE(database) << error;
+            EXPECT_EQ(dxf::readReport(*database).warnings, c.warnings);
+            auto* space = arx::peek<AcDbBlockTableRecord>(database->modelSpaceId());
+            ASSERT_NE(space, nullptr);
+            EXPECT_EQ(static_cast<int>(space->entityIds().size()), c.lines);
+            if (std::string(c.what).starts_with("header")) {
+                EXPECT_EQ(dxf::drawingInfo(*database).insUnits, 4);
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -1036,7 +1036,8 @@ void writeSortents(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord*
     ctx.out.text(100, "AcDbSortentsTable");
     ctx.ref(330, table.blockId());
     for (const auto& [id, sortHandle] : table.entries()) {
-        if (WriteContext::refOf(id) == 0) continue;
+        // An entry of an erased entity goes; one the file gave as 0 stays as read.
+        if (!id.isNull() && WriteContext::refOf(id) == 0) continue;
         ctx.ref(331, id);
         ctx.out.handle(5, sortHandle.value());
     }

@@ -290,6 +290,24 @@ bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const
     return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
 }
 
+// The reactors of a {ACAD_REACTORS group from begin to end into p; false, with none
+// taken, when one is named twice.
+bool takeReactors(std::span<const TagView> tags, std::size_t begin, std::size_t end,
+                  ParsedObject& p) {
+    std::size_t first = p.reactors.size();
+    for (std::size_t k = begin; k < end; ++k) {
+        if (tags[k].code != 330) continue;
+        std::uint64_t h = ReadContext::parseHandle(tags[k].value);
+        if (std::find(p.reactors.begin() + static_cast<std::ptrdiff_t>(first), p.reactors.end(),
+                      h) != p.reactors.end()) {
+            p.reactors.resize(first);
+            return false;
+        }
+        p.reactors.push_back(h);
+    }
+    return true;
+}
+
 void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.type = trimmed(tags[0].value);
     p.line = tags[0].line;
@@ -318,12 +336,12 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
             std::size_t close = i + 1;
             while (close < n && !(tags[close].code == 102 && trimmed(tags[close].value) == "}"))
                 ++close;
-            if (group == "{ACAD_REACTORS") {
-                for (std::size_t k = i + 1; k < close; ++k) {
-                    if (tags[k].code == 330)
-                        p.reactors.push_back(ReadContext::parseHandle(tags[k].value));
-                }
-            } else if (group == "{ACAD_XDICTIONARY") {
+            // A reactor named twice is no second reactor: such a group is kept as read.
+            if (group == "{ACAD_REACTORS" && takeReactors(tags, i + 1, close, p)) {
+                i = close < n ? close + 1 : n;
+                continue;
+            }
+            if (group == "{ACAD_XDICTIONARY") {
                 p.dictionaryFirst = p.reactors.empty();
                 for (std::size_t k = i + 1; k < close; ++k) {
                     if (tags[k].code == 360) {

@@ -245,7 +245,8 @@ TEST(DxfLosslessTest, AnglesAndNormalsAreWrittenAsRead) {
 namespace {
 
 // References to handles the file does not hold are written back as read: another program
-// may hold those objects, and a reader that checks them finds the file as it was.
+// may hold those objects, and a reader that checks them finds the file as it was. So are
+// a draw-order entry for no entity and a reactor named twice.
 TEST(DxfLosslessTest, DanglingReferencesAreKeptAsRead) {
     Tags line = {{0, "LINE"},
                  {5, "40"},
@@ -294,7 +295,20 @@ TEST(DxfLosslessTest, DanglingReferencesAreKeptAsRead) {
                     {331, "9A7"},
                     {5, "9A8"},
                     {331, "40"},
-                    {5, "52"}};
+                    {5, "52"},
+                    {331, "0"},
+                    {5, "9A9"},
+                    // A reactor named twice.
+                    {0, "XRECORD"},
+                    {5, "53"},
+                    {102, "{ACAD_REACTORS"},
+                    {330, "C"},
+                    {330, "C"},
+                    {102, "}"},
+                    {330, "C"},
+                    {100, "AcDbXrecord"},
+                    {280, "1"},
+                    {1, "y"}};
     std::string saved;
     Tags out = roundTrip(
         join({section("ENTITIES", join({line, hatch})), section("OBJECTS", objects)}), saved);
@@ -307,7 +321,7 @@ TEST(DxfLosslessTest, DanglingReferencesAreKeptAsRead) {
                 << saved;
         }
     }
-    for (const char* handle : {"C", "50", "51"}) {
+    for (const char* handle : {"C", "50", "51", "53"}) {
         Tags in = recordOf(objects, handle), record = recordOf(out, handle);
         EXPECT_EQ(record, in) << saved;
     }

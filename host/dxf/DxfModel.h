@@ -60,6 +60,9 @@ class FileData : public db::ObjectBase {
     int insUnits = 6;
 
     AcDbRawTags header;  // every header variable, UTF-8
+    // Header variables kplan keeps up to date ($INSUNITS, $TILEMODE) that are written
+    // as read, their value being no number.
+    std::vector<std::string> headerAsRead;
     bool hasHeader = false;
     struct Section {
         std::string name;

@@ -628,7 +628,8 @@ bool Loader::readHeader() {
             if (ctx_.takeBadNumber(line, what)) {
                 if (!recover_) return fail(line, what);
                 warn(line,
-                     what + "; the header variable " + std::string(name) + " takes its default");
+                     what + "; the header variable " + std::string(name) + " is kept as read");
+                file_->headerAsRead.emplace_back(name);
             }
         }
     }

@@ -159,13 +159,15 @@ void Saver::writeHeader() {
                     ++i;
                     continue;
                 }
-                if (name == "$INSUNITS") {
+                bool asRead = std::find(file_->headerAsRead.begin(), file_->headerAsRead.end(),
+                                        name) != file_->headerAsRead.end();
+                if (name == "$INSUNITS" && !asRead) {
                     out.text(9, name);
                     out.integer(70, file_->insUnits);
                     ++i;
                     continue;
                 }
-                if (name == "$TILEMODE") {
+                if (name == "$TILEMODE" && !asRead) {
                     out.text(9, name);
                     out.integer(70, database_.tilemode() ? 1 : 0);
                     ++i;

@@ -170,6 +170,13 @@ TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
              tags({{0, "ENDSEC"}, {0, "EOF"}}),
          {"test.dxf: line 7: no \"0 SECTION\" before \"2 ENTITIES\": read as a section"},
          1},
+        {"a header number that is none",
+         tags({{0, "SECTION"}, {2, "HEADER"}, {9, "$INSUNITS"}, {70, "four"}, {0, "ENDSEC"}}) +
+             kHead + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
+         {"test.dxf: line 7: group code 70: expected a number, found \"four\"; the header "
+          "variable $INSUNITS is kept as read"},
+         1},
+        // The loader made the block table and the two spaces (2B to 2D) before.
         {"a handle given twice",
          kHead + line + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
          {"test.dxf: line 19: handle 2A given twice: the LINE takes handle 2E"},
@@ -192,6 +199,10 @@ TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
             EXPECT_EQ(static_cast<int>(space->entityIds().size()), c.lines);
             if (std::string(c.what).starts_with("header")) {
                 EXPECT_EQ(dxf::drawingInfo(*database).insUnits, 4);
+            }
+            if (std::string(c.what).starts_with("a header number")) {
+                EXPECT_NE(dxftest::saveText(*database).find("$INSUNITS\n 70\nfour\n"),
+                          std::string::npos);
             }
         }
     }

@@ -181,8 +181,8 @@ class Loader {
     }
     // Called by the thread that reads and the one that makes objects.
     void warn(std::size_t line, const std::string& what) {
-        std::lock_guard<std::mutex> lock(warnings_);
-        file_->report.warnings.push_back(reader_.where(line) + ": " + what);
+        std::lock_guard<std::mutex> lock(warningsMutex_);
+        warnings_.emplace_back(line, reader_.where(line) + ": " + what);
     }
     // Says that the object read with a handle already taken got the one of id.
     void renumbered(const ParsedObject& parsed, AcDbObjectId id);
@@ -235,7 +235,8 @@ class Loader {
     std::uint64_t fileSize_ = 0;
     int threads_ = 1;  // that read the entities
     bool recover_ = false;
-    std::mutex warnings_;
+    std::mutex warningsMutex_;
+    std::vector<std::pair<std::size_t, std::string>> warnings_;  // with their lines
     std::string codePageOption_;
     bool codePageDecided_ = false;
     bool handlesReserved_ = false;
@@ -1077,6 +1078,11 @@ bool Loader::finish() {
     database_.setTilemode(tilemode_ != 0);
     database_.setHandseed(handseed_);
     file_->report.keptAsRead = std::move(keptAsRead_);
+    // In the order of the file: the reading and the making of objects warn apart.
+    std::stable_sort(warnings_.begin(), warnings_.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (auto& [line, warning] : warnings_)
+        file_->report.warnings.push_back(std::move(warning));
     database_.setFileData(std::move(file_));
     return true;
 }

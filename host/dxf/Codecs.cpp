@@ -502,7 +502,10 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
 void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* record) {
     const auto& pl = static_cast<const AcDbPolyline&>(obj);
     entityTable().write(obj, ctx, record);
-    std::uint64_t bits = record && record->hasPresent ? record->present : 0;
+    // A record without presence (what it holds is all the writer would write) leaves
+    // the fields to the writer's rule.
+    bool known = record && record->hasPresent;
+    std::uint64_t bits = known ? record->present : 0;
     TagWriter& out = ctx.out;
     out.text(100, "AcDbPolyline");
     unsigned int n = pl.numVerts();
@@ -510,7 +513,7 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     out.integer(70, (pl.isClosed() ? 1 : 0) | (pl.hasPlinegen() ? 128 : 0));
     double constant = 0;
     bool isConstant = pl.getConstantWidth(constant) == Acad::eOk;
-    if ((bits & kLwConstantWidth) || (!record && isConstant && constant != 0)) {
+    if ((bits & kLwConstantWidth) || (!known && isConstant && constant != 0)) {
         out.real(43, isConstant ? constant : 0);
     }
     if ((bits & kLwElevation) || pl.elevation() != 0) out.real(38, pl.elevation());

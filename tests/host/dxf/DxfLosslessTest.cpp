@@ -505,3 +505,25 @@ TEST(DxfLosslessTest, SolidHatchKeepsItsPatternTags) {
 }
 
 }  // namespace
+
+namespace {
+
+// A polyline that needs a record only for its owner (one the file does not hold) keeps
+// its fields as the writer writes them: its constant width too.
+TEST(DxfLosslessTest, APolylineWithADanglingOwnerKeepsItsWidth) {
+    Tags polyline = {{0, "LWPOLYLINE"}, {5, "215"},
+                     {330, "1F"},       {100, "AcDbEntity"},
+                     {8, "test"},       {100, "AcDbPolyline"},
+                     {90, "2"},         {70, "129"},
+                     {43, "0.5"},       {10, "1"},
+                     {20, "2"},         {10, "3"},
+                     {20, "4"}};
+    std::string saved;
+    Tags out = recordOf(roundTrip(section("ENTITIES", polyline), saved), "215");
+    Tags own = subclassOf(out, "AcDbPolyline");
+    EXPECT_NE(std::find(own.begin(), own.end(), std::pair<int, std::string>{43, "0.5"}), own.end())
+        << saved;
+    EXPECT_NE(std::find(out.begin(), out.end(), std::pair<int, std::string>{330, "1F"}), out.end());
+}
+
+}  // namespace

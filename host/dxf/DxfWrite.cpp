@@ -80,9 +80,21 @@ class Saver {
     std::uint64_t handseed_ = 0;
     std::vector<std::wstring> missingApps_;
     std::unordered_set<const db::Stub*> written_;
+    // Entities the file had in ENTITIES (or in a layout's block) that are still in a
+    // block: written there again, also when their owner is a block record of another
+    // name (a model space some writer called "*U").
+    std::unordered_set<const db::Stub*> entitiesSection_;
 };
 
 void Saver::plan() {
+    if (file_) {
+        for (AcDbObjectId id : file_->entities) {
+            const AcDbObject* obj = live(id) ? arx::peekObject(id) : nullptr;
+            if (obj && arx::peek<AcDbBlockTableRecord>(obj->ownerId())) {
+                entitiesSection_.insert(id.stub());
+            }
+        }
+    }
     // Handles for what the writer adds (block ends, tables a drawing made here lacks,
     // missing application names) come after every handle in use.
     nextHandle_ = database_.handseed().value();
@@ -497,8 +509,9 @@ void Saver::writeBlocks() {
             out.text(1, "");
         }
         if (recordId != database_.modelSpaceId() && !paper) {
-            for (AcDbObjectId id : record->entityIds())
-                writeEntityTree(id);
+            for (AcDbObjectId id : record->entityIds()) {
+                if (!entitiesSection_.count(id.stub())) writeEntityTree(id);
+            }
         }
         if (live(ends.second)) {
             writeObject(*arx::peekObject(ends.second));
@@ -522,9 +535,7 @@ void Saver::writeEntities() {
     AcDbObjectId spaces[] = {database_.modelSpaceId(), database_.paperSpaceId()};
     if (file_) {
         for (AcDbObjectId id : file_->entities) {
-            const AcDbObject* obj = arx::peekObject(id);
-            if (!live(id) || (obj->ownerId() != spaces[0] && obj->ownerId() != spaces[1])) continue;
-            writeEntityTree(id);
+            if (live(id) && entitiesSection_.count(id.stub())) writeEntityTree(id);
         }
     }
     for (AcDbObjectId space : spaces) {

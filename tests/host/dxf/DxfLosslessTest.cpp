@@ -527,3 +527,67 @@ TEST(DxfLosslessTest, APolylineWithADanglingOwnerKeepsItsWidth) {
 }
 
 }  // namespace
+
+namespace {
+
+// An entity of the ENTITIES section stays there when its owner is a block record of
+// another name (a model space some writer called "*U"), and is not copied into BLOCKS.
+TEST(DxfLosslessTest, EntitiesOfTheEntitiesSectionStayThere) {
+    Tags tables = section("TABLES", {{0, "TABLE"},
+                                     {2, "BLOCK_RECORD"},
+                                     {5, "1"},
+                                     {330, "0"},
+                                     {100, "AcDbSymbolTable"},
+                                     {70, "1"},
+                                     {0, "BLOCK_RECORD"},
+                                     {5, "1F"},
+                                     {330, "1"},
+                                     {100, "AcDbSymbolTableRecord"},
+                                     {100, "AcDbBlockTableRecord"},
+                                     {2, "*U"},
+                                     {0, "ENDTAB"}});
+    Tags blocks = section("BLOCKS", {{0, "BLOCK"},
+                                     {5, "20"},
+                                     {330, "1F"},
+                                     {100, "AcDbEntity"},
+                                     {8, "0"},
+                                     {100, "AcDbBlockBegin"},
+                                     {2, "*U"},
+                                     {70, "1"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {30, "0"},
+                                     {3, "*U"},
+                                     {0, "ENDBLK"},
+                                     {5, "21"},
+                                     {330, "1F"},
+                                     {100, "AcDbEntity"},
+                                     {8, "0"},
+                                     {100, "AcDbBlockEnd"}});
+    Tags entities = section("ENTITIES", {{0, "LINE"},
+                                         {5, "8B"},
+                                         {330, "1F"},
+                                         {100, "AcDbEntity"},
+                                         {8, "0"},
+                                         {100, "AcDbLine"},
+                                         {10, "0"},
+                                         {20, "0"},
+                                         {30, "0"},
+                                         {11, "1"},
+                                         {21, "1"},
+                                         {31, "0"}});
+    std::string saved;
+    Tags out = roundTrip(join({tables, blocks, entities}), saved);
+    std::string section;
+    int lines = 0;
+    for (std::size_t i = 0; i + 1 < out.size(); ++i) {
+        if (out[i] == std::pair<int, std::string>{0, "SECTION"}) section = out[i + 1].second;
+        if (out[i] == std::pair<int, std::string>{0, "LINE"}) {
+            ++lines;
+            EXPECT_EQ(section, "ENTITIES") << saved;
+        }
+    }
+    EXPECT_EQ(lines, 1) << saved;
+}
+
+}  // namespace

@@ -186,8 +186,8 @@ class Loader {
     }
     // Says that the object read with a handle already taken got the one of id.
     void renumbered(const ParsedObject& parsed, AcDbObjectId id);
-    // The numbers of the objects of a POLYLINE's run to SEQEND, checked before they are
-    // made, so that the run is kept as read as a whole.
+    // The numbers of the objects of a POLYLINE's run to SEQEND, xdata included, checked
+    // before they are made, so that the run is kept as read as a whole.
     bool treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end);
     // Makes the object from its tags and places it at its handle.
     AcDbObjectId place(ParsedObject& parsed, bool entity, AcDbObjectId defaultOwner,
@@ -243,6 +243,7 @@ class Loader {
     std::size_t numberErrorLine_ = 0;
     std::string numberError_;  // the first number that was not one, in a strict read
     std::vector<AcDbObjectId> keptAsRead_;
+    bool treeKept_ = false;  // the run being placed is kept as read for a number
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
@@ -375,6 +376,7 @@ bool Loader::badNumberIn(const ParsedObject& p) {
     std::size_t line = 0;
     std::string what;
     if (!ctx_.takeBadNumber(line, what)) return false;
+    if (treeKept_) return true;  // said once for the whole run
     if (!recover_) {
         if (numberError_.empty()) {
             numberErrorLine_ = line;
@@ -398,7 +400,6 @@ void Loader::renumbered(const ParsedObject& p, AcDbObjectId id) {
 bool Loader::treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end) {
     for (std::size_t o = first; o < end; ++o) {
         for (const TagView& t : batch.object(o)) {
-            if (t.code >= 1000) break;  // xdata: checked as it is packed
             double real = 0;
             std::int64_t whole = 0;
             switch (db::kindOfGroupCode(t.code)) {
@@ -454,7 +455,7 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
         database_.restoreObject(id, obj, AcDbHandle());
         if (p.handle != 0 && recover_) renumbered(p, id);
     }
-    if (bad && entity) keptAsRead_.push_back(id);
+    if (bad && entity && !treeKept_) keptAsRead_.push_back(id);
     record.handleCode = p.handleCode;
     record.ownerAsRead = entity ? p.ownerAsRead : 0;
     record.dictionaryFirst = p.dictionaryFirst && !p.reactors.empty();
@@ -832,6 +833,7 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         codec = nullptr;
         keptForNumbers = true;
     }
+    treeKept_ = keptForNumbers;
     // The parent is placed after its children, which name it as their owner.
     if (parsed.handle == 0 || arx::peekObject(ctx_.idOf(parsed.handle)) != nullptr) {
         std::uint64_t free = database_.handseed().value();  // so the children can name it
@@ -854,6 +856,7 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         }
     }
     AcDbObjectId id = place(parsed, true, defaultOwner, codec);
+    treeKept_ = false;
     if (keptForNumbers) keptAsRead_.push_back(id);
     if (codec == nullptr) {
         ObjectRecord& kept = file_->records[id.stub()];

@@ -209,3 +209,34 @@ TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
 }
 
 }  // namespace
+
+namespace {
+
+// A POLYLINE with a vertex whose number is none is kept as read as a whole, with one
+// warning: never typed with a vertex kept apart.
+TEST(DxfErrorTest, APolylineWithABadVertexIsKeptWhole) {
+    std::string text =
+        kHead +
+        tags({{0, "POLYLINE"}, {8, "0"},      {66, "1"},     {10, "0"}, {20, "0"},   {30, "0"},
+              {0, "VERTEX"},   {8, "0"},      {10, "1"},     {20, "1"}, {30, "0"},   {1001, "ACAD"},
+              {1040, "xyz"},   {0, "VERTEX"}, {8, "0"},      {10, "2"}, {20, "inf"}, {30, "0"},
+              {0, "SEQEND"},   {8, "0"},      {0, "ENDSEC"}, {0, "EOF"}});
+    std::string error;
+    EXPECT_EQ(dxftest::loadText(text, error), nullptr);
+    EXPECT_EQ(error, "test.dxf: line 29: group code 1040: expected a number, found \"xyz\"");
+    dxf::ReadOptions recover;
+    recover.recover = true;
+    auto database = dxftest::loadText(text, error, recover);
+    ASSERT_TRUE(database) << error;
+    const dxf::ReadReport& report = dxf::readReport(*database);
+    EXPECT_EQ(report.warnings,
+              std::vector<std::string>{"test.dxf: line 29: group code 1040: expected a number, "
+                                       "found \"xyz\"; the POLYLINE is kept as read"});
+    ASSERT_EQ(report.keptAsRead.size(), 1u);
+    EXPECT_FALSE(AcDb2dPolyline::cast(arx::peekObject(report.keptAsRead[0])));
+    std::string saved = dxftest::saveText(*database);
+    EXPECT_NE(saved.find("1040\nxyz\n"), std::string::npos);
+    EXPECT_NE(saved.find(" 20\ninf\n"), std::string::npos);
+}
+
+}  // namespace

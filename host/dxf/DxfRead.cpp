@@ -716,17 +716,18 @@ bool Loader::readTables() {
             if (!collect(t, tags_, "ENDTAB")) return false;
             parse(tags_, parsed_);
             if (tableName == "VPORT") {
-                bool active = false;
+                bool active = false, numbers = true;
                 AcDbDatabase::View view = database_.view();
                 for (const TagView& b : parsed_.body) {
                     if (b.code == 2) active = equalsNoCase(trimmed(b.value), "*ACTIVE");
                     if (!active) continue;
-                    if (b.code == 12) parseReal(b.value, view.centerX);
-                    if (b.code == 22) parseReal(b.value, view.centerY);
-                    if (b.code == 40) parseReal(b.value, view.height);
-                    if (b.code == 41) parseReal(b.value, view.aspect);
+                    if (b.code == 12) numbers = ctx_.real(b, view.centerX) && numbers;
+                    if (b.code == 22) numbers = ctx_.real(b, view.centerY) && numbers;
+                    if (b.code == 40) numbers = ctx_.real(b, view.height) && numbers;
+                    if (b.code == 41) numbers = ctx_.real(b, view.aspect) && numbers;
                 }
-                if (active) database_.setView(view);
+                // A view with a number that is none stays as read (with recover).
+                if (active && numbers) database_.setView(view);
             }
             AcDbObjectId id = place(parsed_, false, tableId, codec);
             if (!numbersOk()) return false;

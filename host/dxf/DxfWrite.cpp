@@ -258,7 +258,8 @@ void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
     } else if (auto* kept = AcDbUnknownObject::cast(&obj)) {
         writeHead(obj, tableName ? "TABLE" : kept->dxfName(), record, tableName);
         bool active = false;
-        bool view = kept->dxfName() == "VPORT";
+        // The active view is written as the drawing holds it, once it holds one.
+        bool view = kept->dxfName() == "VPORT" && database_.view().known;
         for (const AcDbRawTag& t : kept->tags()) {
             if (view && t.code == 2)
                 active = upper(std::wstring(t.value.begin(), t.value.end())) == L"*ACTIVE";

@@ -176,6 +176,20 @@ TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
          {"test.dxf: line 7: group code 70: expected a number, found \"four\"; the header "
           "variable $INSUNITS is kept as read"},
          1},
+        {"a view number that is none",
+         tags({{0, "SECTION"},
+               {2, "TABLES"},
+               {0, "TABLE"},
+               {2, "VPORT"},
+               {0, "VPORT"},
+               {2, "*ACTIVE"},
+               {40, "abc"},
+               {0, "ENDTAB"},
+               {0, "ENDSEC"}}) +
+             kHead + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
+         {"test.dxf: line 13: group code 40: expected a number, found \"abc\"; the VPORT is "
+          "kept as read"},
+         1},
         // The loader made the block table and the two spaces (2B to 2D) before.
         {"a handle given twice",
          kHead + line + line + tags({{0, "ENDSEC"}, {0, "EOF"}}),
@@ -203,6 +217,9 @@ TEST(DxfErrorTest, RecoverReadsWhatOtherReadersRepairAndSaysSo) {
             if (std::string(c.what).starts_with("a header number")) {
                 EXPECT_NE(dxftest::saveText(*database).find("$INSUNITS\n 70\nfour\n"),
                           std::string::npos);
+            }
+            if (std::string(c.what).starts_with("a view number")) {
+                EXPECT_NE(dxftest::saveText(*database).find(" 40\nabc\n"), std::string::npos);
             }
         }
     }

@@ -3,15 +3,22 @@
 #include <string>
 
 #include "cli/Commands.h"
+#include "cli/Drawing.h"
 #include "host/dxf/Dxf.h"
 
 namespace kplan::cli {
 
 namespace {
 
-int runConvert(const std::string& in, const std::string& out, const std::string& version) {
+struct ConvertArgs {
+    std::string in, out, version, codePage;
+    bool recover = false;
+};
+
+int runConvert(const ConvertArgs& args) {
+    const std::string &in = args.in, &out = args.out, &version = args.version;
     std::string error;
-    std::unique_ptr<AcDbDatabase> database = dxf::load(in, error);
+    std::unique_ptr<AcDbDatabase> database = loadDrawing(in, args.recover, args.codePage, error);
     if (!database) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
@@ -29,16 +36,13 @@ int runConvert(const std::string& in, const std::string& out, const std::string&
 
 void addConvertCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("convert", "Load a drawing and save it again");
-    struct Args {
-        std::string in, out, version;
-    };
-    auto args = std::make_shared<Args>();
+    auto args = std::make_shared<ConvertArgs>();
     command->add_option("IN", args->in, "DXF file to read")->required();
     command->add_option("OUT", args->out, "DXF file to write")->required();
     command->add_option("--dxf-version", args->version,
                         "AC1015 to AC1032 (default: AC1024, or the input's when newer)");
-    command->callback(
-        [args, &exitCode] { exitCode = runConvert(args->in, args->out, args->version); });
+    addReadOptions(*command, args->recover, args->codePage);
+    command->callback([args, &exitCode] { exitCode = runConvert(*args); });
 }
 
 }  // namespace kplan::cli

@@ -54,6 +54,30 @@ void addStandardOptions(CLI::App& command, StandardOptions& options) {
                        "Project parameter for this run, NAME=Y or NAME=N (repeatable)");
 }
 
+void addReadOptions(CLI::App& command, bool& recover, std::string& codePage) {
+    command.add_flag("--recover", recover,
+                     "Read what a lenient reader reads (missing ENDSEC or EOF, header "
+                     "variables after ENDSEC, handles given twice, numbers that are not "
+                     "numbers) and say what was repaired");
+    command.add_option("--codepage", codePage,
+                       "Code page of the strings of a file before AC1021 (ANSI_1252, "
+                       "ANSI_936, ...), over what the file says; default: its $DWGCODEPAGE, "
+                       "else decided from its text");
+}
+
+std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
+                                          const std::string& codePage, std::string& error) {
+    dxf::ReadOptions options;
+    options.recover = recover;
+    options.codePage = codePage;
+    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error, options);
+    if (database) {
+        for (const std::string& warning : dxf::readReport(*database).warnings)
+            std::cerr << "kplan: warning: " << warning << "\n";
+    }
+    return database;
+}
+
 bool applyStandard(const StandardOptions& options, std::string& error) {
     CKovaDataSet::FSetGStandardDirPath(wide(options.data));
     CKovaDataSet::FSetStandardName(wide(options.standard));
@@ -120,7 +144,8 @@ bool LoadedDrawing::open(const std::string& path, const StandardOptions& options
         error = path + ": is a folder, not a drawing";
         return false;
     }
-    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
+    std::unique_ptr<AcDbDatabase> database =
+        loadDrawing(path, options.recover, options.codePage, error);
     if (!database) return false;
     document_ = acDocManager->appendDocument(std::move(database), wide(path));
     acDocManager->setCurDocument(document_);

@@ -14,10 +14,19 @@ namespace kplan::cli {
 struct StandardOptions {
     std::string data, standard, table;
     std::vector<std::string> params;  // "NAME=Y" or "NAME=N"
+    // How the drawing is read: --recover and --codepage (see addReadOptions).
+    bool recover = false;
+    std::string codePage;
 };
 
 // --data, --standard, --table and --param.
 void addStandardOptions(CLI::App& command, StandardOptions& options);
+// --recover and --codepage, the options of reading a DXF file.
+void addReadOptions(CLI::App& command, bool& recover, std::string& codePage);
+// Loads a drawing as those options say; with --recover, each repair is printed on stderr
+// as a warning.
+std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
+                                          const std::string& codePage, std::string& error);
 
 // Applies --data, --standard and --table; false with a message when the standard or its
 // class table does not exist.

@@ -71,9 +71,15 @@ void printBoundaries() {
     }
 }
 
-int runInfo(const std::string& path) {
+struct InfoArgs {
+    std::string path, codePage;
+    bool recover = false;
+};
+
+int runInfo(const InfoArgs& args) {
+    const std::string& path = args.path;
     std::string error;
-    std::unique_ptr<AcDbDatabase> loaded = dxf::load(path, error);
+    std::unique_ptr<AcDbDatabase> loaded = loadDrawing(path, args.recover, args.codePage, error);
     if (!loaded) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
@@ -149,9 +155,10 @@ int runInfo(const std::string& path) {
 
 void addInfoCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("info", "Show what a drawing holds");
-    auto path = std::make_shared<std::string>();
-    command->add_option("DRAWING", *path, "DXF file")->required();
-    command->callback([path, &exitCode] { exitCode = runInfo(*path); });
+    auto args = std::make_shared<InfoArgs>();
+    command->add_option("DRAWING", args->path, "DXF file")->required();
+    addReadOptions(*command, args->recover, args->codePage);
+    command->callback([args, &exitCode] { exitCode = runInfo(*args); });
 }
 
 }  // namespace kplan::cli

@@ -18,11 +18,13 @@
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/dxf/Dxf.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/XDataAccess.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
@@ -328,6 +330,19 @@ int runStats(StatsArgs args) {
     }
     ClassNames names;
     Balance balance = measure(*drawing.database(), boundary, args.status, names);
+    // What a lenient read kept as read is no curve, so no parcel: say how many were.
+    int leftOut = 0;
+    for (AcDbObjectId id : dxf::readReport(*drawing.database()).keptAsRead) {
+        if (CheckDKDataVer(id) != 0) ++leftOut;
+    }
+    if (leftOut > 0) {
+        std::cerr << "kplan: " << leftOut
+                  << (leftOut == 1 ? " parcel is left out of the statistics: its outline holds "
+                                     "a value that is not a number"
+                                   : " parcels are left out of the statistics: their outlines "
+                                     "hold values that are not numbers")
+                  << " (see the warnings above)\n";
+    }
     switch (format) {
         case Format::Table:
             printTable(args, path, balance, names);
@@ -358,6 +373,7 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
                       "Count the current-status parcels instead of the planned ones");
     command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
     addStandardOptions(*command, args->standard);
+    addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, &exitCode] { exitCode = runStats(*args); });
 }
 

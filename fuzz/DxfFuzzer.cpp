@@ -12,10 +12,14 @@
 namespace {
 
 // Reads the input; the written drawing, or empty with the error set.
-std::string readAndWrite(const std::string& input, int threads, std::string& error) {
+std::string readAndWrite(const std::string& input, int threads, std::string& error,
+                         bool recover = false) {
     std::istringstream in(input);
     AcDbDatabase database(false);
-    if (!dxf::read(in, database, error, "fuzz.dxf", {.threads = threads})) {
+    dxf::ReadOptions options;
+    options.threads = threads;
+    options.recover = recover;
+    if (!dxf::read(in, database, error, "fuzz.dxf", options)) {
         if (error.empty()) std::abort();  // a failure always says why
         return "";
     }
@@ -40,6 +44,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::fprintf(stderr, "two threads read otherwise than one: %s | %s\n", error.c_str(),
                      asideError.c_str());
         std::abort();
+    }
+    // A lenient read reads at least what the strict one reads, and a drawing it read
+    // writes and reads back (leniently: what it kept as read is written as read).
+    std::string recoverError;
+    std::string recovered = readAndWrite(input, 1, recoverError, true);
+    if (!written.empty() && recovered.empty()) {
+        std::fprintf(stderr, "recover refused what the strict read read: %s\n",
+                     recoverError.c_str());
+        std::abort();
+    }
+    if (!recovered.empty()) {
+        std::istringstream again(recovered);
+        AcDbDatabase reread(false);
+        dxf::ReadOptions lenient;
+        lenient.recover = true;
+        if (!dxf::read(again, reread, error, "recovered.dxf", lenient)) {
+            std::fprintf(stderr, "a recovered drawing does not read back: %s\n", error.c_str());
+            std::abort();
+        }
     }
     if (written.empty()) return 0;
     std::istringstream again(written);

@@ -370,6 +370,12 @@ enum : std::uint64_t {
     kLwThickness = 1ull << 45,
 };
 
+// Anchors of the kept tags of the polyline's own part: after the fields before the
+// vertices, after vertex i, after the normal. Apart from the entity part's anchors, so
+// that a tag is written once, where it was.
+constexpr int kLwHead = FieldTable::kOwn, kLwVertex = FieldTable::kOwn + 16,
+              kLwTail = FieldTable::kOwn + 8;
+
 AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord& record) {
     Tags split = classPart(p, "AcDbPolyline");
     Tags end = bodyEnd(p);
@@ -396,63 +402,64 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
     AcGeVector3d normal = AcGeVector3d::kZAxis;
     std::uint64_t bits = 0;
     bool ok = true;
-    int anchor = 1;
+    int anchor = kLwHead;
+    Tags normalTags = nullptr;
     for (Tags t = split + 1; t < end && ok; ++t) {
         switch (t->code) {
             case 10:
                 vertices.emplace_back();
-                ok = parseReal(t->value, vertices.back().x);
-                anchor = 1000 + static_cast<int>(vertices.size());
+                ok = ctx.real(*t, vertices.back().x);
+                anchor = kLwVertex + static_cast<int>(vertices.size()) - 1;
                 continue;
             case 20:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().y);
+                ok = ctx.real(*t, vertices.back().y);
                 continue;
             case 40:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().sw);
+                ok = ctx.real(*t, vertices.back().sw);
                 vertices.back().hasWidths = true;
                 continue;
             case 41:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().ew);
+                ok = ctx.real(*t, vertices.back().ew);
                 continue;
             case 42:
                 if (vertices.empty()) break;
-                ok = parseReal(t->value, vertices.back().bulge);
+                ok = ctx.real(*t, vertices.back().bulge);
                 vertices.back().hasBulge = true;
                 continue;
             case 90:
                 if (!vertices.empty()) break;
-                ok = parseInt(t->value, count);
+                ok = ctx.integer(*t, count);
                 continue;
             case 70:
                 if (!vertices.empty()) break;
-                ok = parseInt(t->value, flags);
+                ok = ctx.integer(*t, flags);
                 if (flags & ~std::int64_t(129)) ok = false;
                 continue;
             case 43:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, constantWidth);
+                ok = ctx.real(*t, constantWidth);
                 bits |= kLwConstantWidth;
                 continue;
             case 38:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, elevation);
+                ok = ctx.real(*t, elevation);
                 bits |= kLwElevation;
                 continue;
             case 39:
                 if (!vertices.empty()) break;
-                ok = parseReal(t->value, thickness);
+                ok = ctx.real(*t, thickness);
                 bits |= kLwThickness;
                 continue;
             case 210:
-                ok = parseReal(t->value, normal.x) && t + 2 < end && t[1].code == 220 &&
-                     t[2].code == 230 && parseReal(t[1].value, normal.y) &&
-                     parseReal(t[2].value, normal.z);
+                normalTags = t;
+                ok = ctx.real(*t, normal.x) && t + 2 < end && t[1].code == 220 &&
+                     t[2].code == 230 && ctx.real(t[1], normal.y) && ctx.real(t[2], normal.z);
                 t += 2;
                 bits |= kLwNormal;
-                anchor = 3;
+                anchor = kLwTail;
                 continue;
             default:
                 break;
@@ -480,7 +487,14 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
     pl->setPlinegen(flags & 128);
     pl->setElevation(elevation);
     if (bits & kLwThickness) pl->setThickness(thickness);
-    if (bits & kLwNormal) pl->setNormal(normal);
+    if (bits & kLwNormal) {
+        // Kept of unit length; the file's own numbers are written back.
+        pl->setNormal(normal);
+        AcGeVector3d unit = pl->normal();
+        double written[] = {unit.x, unit.y, unit.z};
+        for (int k = 0; k < 3; ++k)
+            ReadContext::spell(record, normalTags[k], written[k], written[k]);
+    }
     record.present |= bits;
     return pl;
 }
@@ -488,7 +502,10 @@ AcDbObject* readLwPolyline(const ParsedObject& p, ReadContext& ctx, ObjectRecord
 void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* record) {
     const auto& pl = static_cast<const AcDbPolyline&>(obj);
     entityTable().write(obj, ctx, record);
-    std::uint64_t bits = record && record->hasPresent ? record->present : 0;
+    // A record without presence (what it holds is all the writer would write) leaves
+    // the fields to the writer's rule.
+    bool known = record && record->hasPresent;
+    std::uint64_t bits = known ? record->present : 0;
     TagWriter& out = ctx.out;
     out.text(100, "AcDbPolyline");
     unsigned int n = pl.numVerts();
@@ -496,12 +513,12 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     out.integer(70, (pl.isClosed() ? 1 : 0) | (pl.hasPlinegen() ? 128 : 0));
     double constant = 0;
     bool isConstant = pl.getConstantWidth(constant) == Acad::eOk;
-    if ((bits & kLwConstantWidth) || (!record && isConstant && constant != 0)) {
+    if ((bits & kLwConstantWidth) || (!known && isConstant && constant != 0)) {
         out.real(43, isConstant ? constant : 0);
     }
     if ((bits & kLwElevation) || pl.elevation() != 0) out.real(38, pl.elevation());
     if ((bits & kLwThickness) || pl.thickness() != 0) out.real(39, pl.thickness());
-    ctx.extras(record, 1);
+    ctx.extras(record, kLwHead);
     for (unsigned int i = 0; i < n; ++i) {
         AcGePoint2d p;
         double bulge = 0, sw = 0, ew = 0;
@@ -514,13 +531,13 @@ void writeLwPolyline(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
             out.real(41, ew);
         }
         if ((bits & kLwAllBulges) || bulge != 0) out.real(42, bulge);
-        ctx.extras(record, 1001 + static_cast<int>(i));
+        ctx.extras(record, kLwVertex + static_cast<int>(i));
     }
     AcGeVector3d normal = pl.normal();
     if ((bits & kLwNormal) || !(normal == AcGeVector3d::kZAxis)) {
-        out.point(210, normal.x, normal.y, normal.z);
+        ctx.point(record, 210, normal.x, normal.y, normal.z);
     }
-    ctx.extras(record, 3);
+    ctx.extras(record, kLwTail);
 }
 
 bool lwCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRecord& record) {
@@ -542,17 +559,17 @@ bool lwCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRec
 
 class Cursor {
   public:
-    Cursor(Tags begin, Tags end) : t_(begin), end_(end) {}
+    Cursor(Tags begin, Tags end, ReadContext& ctx) : t_(begin), end_(end), ctx_(ctx) {}
     bool at(int code) const { return t_ < end_ && t_->code == code; }
     bool done() const { return t_ >= end_; }
     Tags here() const { return t_; }
     bool real(int code, double& v) {
-        if (!at(code) || !parseReal(t_->value, v)) return ok_ = false;
+        if (!at(code) || !ctx_.real(*t_, v)) return ok_ = false;
         ++t_;
         return true;
     }
     bool integer(int code, std::int64_t& v) {
-        if (!at(code) || !parseInt(t_->value, v)) return ok_ = false;
+        if (!at(code) || !ctx_.integer(*t_, v)) return ok_ = false;
         ++t_;
         return true;
     }
@@ -571,26 +588,31 @@ class Cursor {
   private:
     Tags t_;
     Tags end_;
+    ReadContext& ctx_;
     bool ok_ = true;
 };
 
-bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e) {
+bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e, ObjectRecord& record) {
     std::int64_t type = 0;
     if (!c.integer(72, type)) return false;
     e.type = static_cast<int>(type);
     std::int64_t ccw = 1;
+    Tags angles = nullptr;
     switch (type) {
         case AcDbHatch::kLine:
             return c.point(10, e.start) && c.point(11, e.end);
         case AcDbHatch::kCirArc:
-            if (!(c.point(10, e.center) && c.real(40, e.radius) && c.real(50, e.startAngle) &&
-                  c.real(51, e.endAngle) && c.integer(73, ccw)))
+            if (!(c.point(10, e.center) && c.real(40, e.radius))) return false;
+            angles = c.here();
+            if (!(c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
                 return false;
             break;
         case AcDbHatch::kEllArc: {
             AcGePoint2d axis;
-            if (!(c.point(10, e.center) && c.point(11, axis) && c.real(40, e.minorRatio) &&
-                  c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
+            if (!(c.point(10, e.center) && c.point(11, axis) && c.real(40, e.minorRatio)))
+                return false;
+            angles = c.here();
+            if (!(c.real(50, e.startAngle) && c.real(51, e.endAngle) && c.integer(73, ccw)))
                 return false;
             e.majorAxis = AcGeVector2d(axis.x, axis.y);
             break;
@@ -644,19 +666,25 @@ bool readEdge(Cursor& c, bool withFitData, AcDbHatchEdge& e) {
     e.counterClockwise = ccw != 0;
     e.startAngle = degToRad(e.startAngle);
     e.endAngle = degToRad(e.endAngle);
+    ReadContext::spell(record, angles[0], e.startAngle, radToDeg(e.startAngle));
+    ReadContext::spell(record, angles[1], e.endAngle, radToDeg(e.endAngle));
     return true;
 }
 
-enum : std::uint64_t { kHatchNoSeeds = 1ull << 40 };
+enum : std::uint64_t { kHatchNoSeeds = 1ull << 40, kHatchPattern = 1ull << 41 };
+// The anchor of the tags after the pattern (seed points, gradient), apart from the
+// entity part's anchors.
+constexpr int kHatchTail = FieldTable::kOwn;
 
 AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& record) {
     Tags split = classPart(p, "AcDbHatch");
     if (split == nullptr) return nullptr;
     auto hatch = std::make_unique<AcDbHatch>();
     entityTable().read(*hatch, bodyBegin(p), split, ctx, record);
-    Cursor c(split + 1, bodyEnd(p));
+    Cursor c(split + 1, bodyEnd(p), ctx);
     AcGePoint3d elevation;
     AcGeVector3d normal;
+    Tags place = c.here();
     if (!(c.real(10, elevation.x) && c.real(20, elevation.y) && c.real(30, elevation.z) &&
           c.real(210, normal.x) && c.real(220, normal.y) && c.real(230, normal.z)))
         return nullptr;
@@ -689,7 +717,7 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
             if (!c.integer(93, count) || count < 0 || count > 10000000) return nullptr;
             for (std::int64_t k = 0; k < count; ++k) {
                 AcDbHatchEdge e;
-                if (!readEdge(c, withFitData, e)) return nullptr;
+                if (!readEdge(c, withFitData, e, record)) return nullptr;
                 loop.edges.push_back(std::move(e));
             }
         }
@@ -708,9 +736,18 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     hatch->setHatchStyle(static_cast<AcDbHatch::HatchStyle>(style));
     hatch->setElevation(elevation.z);
     hatch->setNormal(normal);
+    // The x and y of the elevation point mean nothing, and the normal is kept of unit
+    // length: the file's own numbers are written back.
+    AcGeVector3d unit = hatch->normal();
+    double written[] = {0, 0, elevation.z, unit.x, unit.y, unit.z};
+    for (int k = 0; k < 6; ++k)
+        ReadContext::spell(record, place[k], written[k], written[k]);
     hatch->setAssociative(associative != 0);
     std::vector<AcDbHatchPatternLine> lines;
     if (c.at(52)) {
+        // Written back also for a solid fill, which some programs give a pattern too.
+        record.present |= kHatchPattern;
+        Tags angleTag = c.here();
         double angle = 0, scale = 1;
         std::int64_t isDouble = 0, count = 0;
         if (!(c.real(52, angle) && c.real(41, scale) && c.integer(77, isDouble) &&
@@ -734,6 +771,8 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
         hatch->restorePattern(AcDbHatch::kPreDefined, L"", false);  // setters need a pattern
         if (scale > 0) hatch->setPatternScale(scale);
         hatch->setPatternAngle(degToRad(angle));
+        ReadContext::spell(record, *angleTag, hatch->patternAngle(),
+                           radToDeg(hatch->patternAngle()));
         hatch->setPatternDouble(isDouble != 0);
         if (scale <= 0) return nullptr;
     }
@@ -744,13 +783,13 @@ AcDbObject* readHatch(const ParsedObject& p, ReadContext& ctx, ObjectRecord& rec
     bool seeds = false;
     for (Tags t = c.here(); t < bodyEnd(p); ++t) {
         if (t->code == 98) seeds = true;
-        ctx.keep(record, 2, *t);
+        ctx.keep(record, kHatchTail, *t);
     }
     if (!seeds) record.present |= kHatchNoSeeds;
     return hatch.release();
 }
 
-void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e) {
+void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e, const ObjectRecord* record) {
     TagWriter& out = ctx.out;
     out.integer(72, e.type);
     switch (e.type) {
@@ -761,16 +800,16 @@ void writeEdge(WriteContext& ctx, const AcDbHatchEdge& e) {
         case AcDbHatch::kCirArc:
             out.point(10, e.center.x, e.center.y);
             out.real(40, e.radius);
-            out.real(50, radToDeg(e.startAngle));
-            out.real(51, radToDeg(e.endAngle));
+            ctx.real(record, 50, e.startAngle, radToDeg(e.startAngle));
+            ctx.real(record, 51, e.endAngle, radToDeg(e.endAngle));
             out.integer(73, e.counterClockwise ? 1 : 0);
             break;
         case AcDbHatch::kEllArc:
             out.point(10, e.center.x, e.center.y);
             out.point(11, e.majorAxis.x, e.majorAxis.y);
             out.real(40, e.minorRatio);
-            out.real(50, radToDeg(e.startAngle));
-            out.real(51, radToDeg(e.endAngle));
+            ctx.real(record, 50, e.startAngle, radToDeg(e.startAngle));
+            ctx.real(record, 51, e.endAngle, radToDeg(e.endAngle));
             out.integer(73, e.counterClockwise ? 1 : 0);
             break;
         case AcDbHatch::kSpline:
@@ -801,16 +840,16 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     entityTable().write(obj, ctx, record);
     TagWriter& out = ctx.out;
     out.text(100, "AcDbHatch");
-    out.point(10, 0, 0, hatch.elevation());
+    ctx.point(record, 10, 0, 0, hatch.elevation());
     AcGeVector3d n = hatch.normal();
-    out.point(210, n.x, n.y, n.z);
+    ctx.point(record, 210, n.x, n.y, n.z);
     ctx.text(2, hatch.patternName());
     out.integer(70, hatch.isSolidFill() ? 1 : 0);
     // Associativity only holds while every boundary object is there.
     bool associative = hatch.associative();
     for (int i = 0; i < hatch.numLoops() && associative; ++i) {
         for (AcDbObjectId id : hatch.loopAt(i)->sources) {
-            if (WriteContext::handleOf(id) == 0) associative = false;
+            if (WriteContext::refOf(id) == 0) associative = false;
         }
     }
     out.integer(71, associative ? 1 : 0);
@@ -832,7 +871,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
         } else {
             out.integer(93, static_cast<std::int64_t>(loop.edges.size()));
             for (const AcDbHatchEdge& e : loop.edges)
-                writeEdge(ctx, e);
+                writeEdge(ctx, e, record);
         }
         out.integer(97, associative ? static_cast<std::int64_t>(loop.sources.size()) : 0);
         if (associative) {
@@ -842,8 +881,9 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
     }
     out.integer(75, hatch.hatchStyle());
     out.integer(76, hatch.patternType());
-    if (!hatch.isSolidFill()) {
-        out.real(52, radToDeg(hatch.patternAngle()));
+    bool pattern = record && record->hasPresent && (record->present & kHatchPattern);
+    if (!hatch.isSolidFill() || pattern) {
+        ctx.real(record, 52, hatch.patternAngle(), radToDeg(hatch.patternAngle()));
         out.real(41, hatch.patternScale());
         out.integer(77, hatch.patternDouble() ? 1 : 0);
         out.integer(78, hatch.numPatternDefinitions());
@@ -858,7 +898,7 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
                 out.real(49, d);
         }
     }
-    ctx.extras(record, 2);
+    ctx.extras(record, kHatchTail);
     // Other programs expect the seed points; a hatch made here has none.
     if (record == nullptr || !record->hasPresent) out.integer(98, 0);
 }
@@ -866,9 +906,12 @@ void writeHatch(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord* re
 bool hatchCanonical(const AcDbObject& obj, const WriteContext& ctx, const ObjectRecord& record) {
     // Without a record the writer adds "98 0" after the pattern, as most files have it.
     std::uint64_t entity = record.present & ((1ull << 40) - 1);
-    return record.extras.size() == 1 && record.extras[0].anchor == 2 &&
+    return record.extras.size() == 1 && record.extras[0].anchor == kHatchTail &&
            record.extras[0].tag.code == 98 && record.extras[0].tag.value == "0" &&
-           !(record.present & kHatchNoSeeds) && entity == entityTable().defaultPresence(obj, ctx);
+           !(record.present & kHatchNoSeeds) && entity == entityTable().defaultPresence(obj, ctx) &&
+           (record.present & kHatchPattern) == (static_cast<const AcDbHatch&>(obj).isSolidFill()
+                                                    ? std::uint64_t(0)
+                                                    : std::uint64_t(kHatchPattern));
 }
 
 // ---------------------------------------------------------------- objects
@@ -885,9 +928,8 @@ AcDbObject* readDictionary(const ParsedObject& p, ReadContext& ctx, ObjectRecord
         ctx.keep(record, -1, *t);
     bool entryCodeSeen = false;
     for (Tags t = begin + 1; t < bodyEnd(p); ++t) {
-        if (t->code == 280 && anchor == 0) {
-            std::int64_t hard = 0;
-            parseInt(t->value, hard);
+        std::int64_t hard = 0;
+        if (t->code == 280 && anchor == 0 && ctx.integer(*t, hard)) {
             dict->setHardOwner(hard != 0);
             record.present |= kDictHardFlag;
             anchor = 1;
@@ -925,7 +967,7 @@ void writeDictionary(const AcDbObject& obj, WriteContext& ctx, const ObjectRecor
     ctx.extras(record, 1);
     bool hardEntries = known ? (record->present & kDictHardEntries) != 0 : dict.isHardOwner();
     for (const auto& [key, id] : dict.entries()) {
-        if (WriteContext::handleOf(id) == 0) continue;  // the entry's object is gone
+        if (WriteContext::refOf(id) == 0) continue;  // the entry's object was erased
         ctx.text(3, key);
         ctx.ref(hardEntries ? 360 : 350, id);
     }
@@ -997,7 +1039,8 @@ void writeSortents(const AcDbObject& obj, WriteContext& ctx, const ObjectRecord*
     ctx.out.text(100, "AcDbSortentsTable");
     ctx.ref(330, table.blockId());
     for (const auto& [id, sortHandle] : table.entries()) {
-        if (WriteContext::handleOf(id) == 0) continue;
+        // An entry of an erased entity goes; one the file gave as 0 stays as read.
+        if (!id.isNull() && WriteContext::refOf(id) == 0) continue;
         ctx.ref(331, id);
         ctx.out.handle(5, sortHandle.value());
     }
@@ -1179,7 +1222,7 @@ AcDbObject* readLinetype(const ParsedObject& p, ReadContext& ctx, ObjectRecord& 
     for (Tags t = dashes; t < end; ++t) {
         if (t->code == 49) {
             double d = 0;
-            if (index < linetype->numDashes() && parseReal(t->value, d)) {
+            if (index < linetype->numDashes() && ctx.real(*t, d)) {
                 linetype->setDashLengthAt(index++, d);
                 continue;
             }

@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/arx/dbmain.h"
 
@@ -20,7 +21,25 @@ struct ReadOptions {
     // other makes the objects. 0 lets the drawing decide: two from a megabyte on, on a
     // machine with two cores. 1 or 2 fixes it. The drawing read is the same.
     int threads = 0;
+    // Read what a lenient reader reads, and say what was repaired (ReadReport): a number
+    // that is not one keeps its object as read, outside the typed drawing. Strict by
+    // default: such a file is refused, naming the file, the line and the group code.
+    bool recover = false;
+    // The code page of the strings of a file before AC1021 ("ANSI_1252", "ANSI_936"),
+    // taken over what the file declares; empty: its $DWGCODEPAGE, or, when it has none,
+    // ANSI_936 for text that is GBK with Chinese in it and ANSI_1252 otherwise.
+    std::string codePage;
 };
+
+// What a read with recover repaired or kept as read, one message per case naming the
+// file and the line.
+struct ReadReport {
+    std::vector<std::string> warnings;
+    // Entities kept as read because a number in them is not one.
+    std::vector<AcDbObjectId> keptAsRead;
+};
+// The report of the read that made the database (empty for a drawing made here).
+const ReadReport& readReport(const AcDbDatabase& database);
 
 // Reads a drawing into a new database; null on failure, with the reason in error.
 std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,

@@ -63,7 +63,9 @@ bool parseReal(std::string_view text, double& value) {
     if (parsePlainDecimal(text, value)) return true;
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+    // from_chars takes "nan" and "inf", which no drawing means.
+    return !text.empty() && ec == std::errc() && end == text.data() + text.size() &&
+           std::isfinite(value);
 }
 
 bool parseInt(std::string_view text, std::int64_t& value) {
@@ -71,6 +73,38 @@ bool parseInt(std::string_view text, std::int64_t& value) {
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     return !text.empty() && ec == std::errc() && end == text.data() + text.size();
+}
+
+std::string numberProblem(std::string_view text) {
+    std::string_view t = trimmed(text);
+    if (!t.empty() && (t.front() == '+' || t.front() == '-')) t.remove_prefix(1);
+    double value = 0;
+    auto [end, ec] = std::from_chars(t.data(), t.data() + t.size(), value);
+    bool whole = !t.empty() && end == t.data() + t.size();
+    if (whole && ec == std::errc::result_out_of_range) return "number out of range";
+    if (whole && ec == std::errc() && std::isnan(value)) return "NaN is not a number";
+    if (whole && ec == std::errc() && std::isinf(value)) return "infinity is not a number";
+    return "expected a number";
+}
+
+void ReadContext::badNumber(const TagView& tag) {
+    if (bad_) return;
+    bad_ = true;
+    badLine_ = tag.line;
+    std::string shown(tag.value.substr(0, 40));
+    for (char& c : shown) {
+        if (static_cast<unsigned char>(c) < 0x20) c = '?';
+    }
+    badWhat_ = "group code " + std::to_string(tag.code) + ": " + numberProblem(tag.value) +
+               ", found \"" + shown + "\"";
+}
+
+bool ReadContext::takeBadNumber(std::size_t& line, std::string& what) {
+    if (!bad_) return false;
+    bad_ = false;
+    line = badLine_;
+    what = std::move(badWhat_);
+    return true;
 }
 
 std::uint64_t ReadContext::parseHandle(std::string_view hex) {
@@ -94,6 +128,11 @@ AcDbObjectId ReadContext::idOf(std::uint64_t handle) {
 
 std::uint64_t WriteContext::handleOf(AcDbObjectId id) {
     if (id.isNull() || id.isErased() || arx::peekObject(id) == nullptr) return 0;
+    return id.handle().value();
+}
+
+std::uint64_t WriteContext::refOf(AcDbObjectId id) {
+    if (id.isNull() || id.isErased()) return 0;
     return id.handle().value();
 }
 
@@ -145,7 +184,7 @@ bool isStringCode(int code) {
 
 }  // namespace
 
-std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags) {
+std::string packXdata(ReadContext& ctx, std::span<const TagView> tags) {
     // Code (2 bytes), length (at most 4) and text, written in place: a value that grows
     // in conversion makes room for itself.
     std::size_t size = 0;
@@ -163,6 +202,13 @@ std::string packXdata(const ReadContext& ctx, std::span<const TagView> tags) {
             if (converted.size() > t.value.size()) {
                 packed.resize(packed.size() + converted.size() - t.value.size());
                 out = packed.data() + used;
+            }
+        } else if (t.code >= 1010 && t.code <= 1071) {
+            double number = 0;
+            if (t.code < 1060) {
+                ctx.real(t, number);
+            } else if (std::int64_t whole = 0; !parseInt(t.value, whole)) {
+                ctx.real(t, number);  // an integer written as a real is kept as written
             }
         }
         *out++ = static_cast<char>(t.code & 0xFF);
@@ -274,16 +320,16 @@ db::ValueList readValues(ReadContext& ctx, const TagView* begin, const TagView* 
         switch (db::kindOfGroupCode(t->code)) {
             case db::ValueKind::Real: {
                 double d = 0;
-                parseReal(t->value, d);
+                ctx.real(*t, d);
                 v.data = d;
                 break;
             }
             case db::ValueKind::Point: {
                 db::Point p{0, 0, 0};
-                parseReal(t->value, p[0]);
+                ctx.real(*t, p[0]);
                 if (t + 1 < end && t[1].code == t->code + 10) {
-                    parseReal((++t)->value, p[1]);
-                    if (t + 1 < end && t[1].code == t->code + 10) parseReal((++t)->value, p[2]);
+                    ctx.real(*++t, p[1]);
+                    if (t + 1 < end && t[1].code == t->code + 10) ctx.real(*++t, p[2]);
                 }
                 v.data = p;
                 break;
@@ -293,7 +339,10 @@ db::ValueList readValues(ReadContext& ctx, const TagView* begin, const TagView* 
             case db::ValueKind::Int64:
             case db::ValueKind::Bool: {
                 std::int64_t i = 0;
-                parseInt(t->value, i);
+                if (!ctx.integer(*t, i)) {
+                    v.data = ctx.wide(t->value);  // "1.0": kept as written
+                    break;
+                }
                 v.data = i;
                 break;
             }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -9,6 +10,7 @@
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/GroupCode.h"
 #include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/Codecs.h"
@@ -94,7 +96,8 @@ constexpr std::size_t kBatchTags = 1 << 14;
 class Loader {
   public:
     Loader(std::istream& in, const std::string& name, AcDbDatabase& database)
-        : reader_(in, name),
+        : in_(in),
+          reader_(in, name),
           database_(database),
           file_(std::make_unique<FileData>()),
           ctx_(database, *file_, reader_),
@@ -110,6 +113,8 @@ class Loader {
     // The size of the file, when known: with $HANDSEED it sizes the handle index.
     void setFileSize(std::uint64_t bytes) { fileSize_ = bytes; }
     void setThreads(int threads) { threads_ = threads; }
+    void setRecover(bool recover) { recover_ = recover; }
+    void setCodePage(const std::string& codePage) { codePageOption_ = codePage; }
 
   private:
     bool next(TagView& t) {
@@ -132,6 +137,22 @@ class Loader {
         if (reader_.failed()) return false;
         return fail(reader_.line() + 1, "expected " + expected + ", found the end of the file");
     }
+    // The end of the file where expected was due: with recover, what was read stands
+    // (a warning says so); else the error.
+    bool endsHere(const std::string& expected) {
+        if (reader_.failed()) return false;
+        if (!recover_) return failAtEnd(expected);
+        warn(reader_.line() + 1, "the file ends without " + expected + ": what was read stands");
+        return true;
+    }
+    // A section left without its "0 ENDSEC" where the next section or the end begins:
+    // with recover, the section ends there (t is read again).
+    bool sectionCutShort(const TagView& t) {
+        if (!recover_ || !(is(t, 0, "SECTION") || is(t, 0, "EOF"))) return false;
+        warn(t.line, "no \"0 ENDSEC\" before " + describe(t) + ": the section ends there");
+        unread(t);
+        return true;
+    }
     // The tags of one object, from its "0 TYPE" to before the next 0; collectInto adds
     // them to what tags holds.
     bool collect(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
@@ -149,6 +170,25 @@ class Loader {
     bool readObjects();
     bool finish();
 
+    // Whether a number of the object just read was not one: then, with recover, a
+    // warning; without, the error the load fails with at the next check.
+    bool badNumberIn(const ParsedObject& parsed);
+    // False, with the reader failed, once a number was not one in a strict read.
+    bool numbersOk() {
+        if (numberError_.empty()) return true;
+        reader_.fail(numberErrorLine_, numberError_);
+        return false;
+    }
+    // Called by the thread that reads and the one that makes objects.
+    void warn(std::size_t line, const std::string& what) {
+        std::lock_guard<std::mutex> lock(warningsMutex_);
+        warnings_.emplace_back(line, reader_.where(line) + ": " + what);
+    }
+    // Says that the object read with a handle already taken got the one of id.
+    void renumbered(const ParsedObject& parsed, AcDbObjectId id);
+    // The numbers of the objects of a POLYLINE's run to SEQEND, xdata included, checked
+    // before they are made, so that the run is kept as read as a whole.
+    bool treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end);
     // Makes the object from its tags and places it at its handle.
     AcDbObjectId place(ParsedObject& parsed, bool entity, AcDbObjectId defaultOwner,
                        const Codec* codec);
@@ -168,6 +208,14 @@ class Loader {
                                   namedObjects_, modelSpace_, paperSpace_);
     }
 
+    // Keeps the handles of the file free before the loader makes anything: the objects
+    // it adds and those the file gave no handle get handles the file does not use.
+    void reserveHandles();
+    // Decides the code page of the strings once, before the first string is read: the
+    // option's, the file's, else one guessed from the bytes of the whole file.
+    void decideCodePage(const std::string& declared);
+
+    std::istream& in_;
     TagReader reader_;
     AcDbDatabase& database_;
     std::unique_ptr<FileData> file_;
@@ -186,13 +234,44 @@ class Loader {
     std::uint64_t handseed_ = 0;
     std::uint64_t fileSize_ = 0;
     int threads_ = 1;  // that read the entities
+    bool recover_ = false;
+    std::mutex warningsMutex_;
+    std::vector<std::pair<std::size_t, std::string>> warnings_;  // with their lines
+    std::string codePageOption_;
+    bool codePageDecided_ = false;
+    bool handlesReserved_ = false;
+    std::size_t numberErrorLine_ = 0;
+    std::string numberError_;  // the first number that was not one, in a strict read
+    std::vector<AcDbObjectId> keptAsRead_;
+    bool treeKept_ = false;  // the run being placed is kept as read for a number
     int tilemode_ = 1;
     std::wstring clayer_;
     AcDbObjectId blockTable_, layerTable_, appTable_, linetypeTable_, namedObjects_, modelSpace_,
         paperSpace_;
 };
 
+// R12 writers put the handle after the layer ("0 LINE", "8 0", "5 2A"): it is moved
+// to the head, where the reader takes handles, and where the writer writes them. The 5
+// of a DIMSTYLE is its arrow block, not a handle (its handle is 105).
+void handleToHead(std::vector<TagView>& tags, std::size_t start) {
+    std::size_t n = tags.size();
+    if (n < start + 3 || tags[start + 1].code == 5 || tags[start + 1].code == 105) return;
+    std::string_view type = trimmed(tags[start].value);
+    if (type == "DIMSTYLE" || type == "TABLE") return;  // a TABLE's name comes first
+    for (std::size_t k = start + 2; k < n; ++k) {
+        int code = tags[k].code;
+        if (code == 100 || code == 102 || code == 105 || code >= 1000) return;
+        if (code == 5) {
+            std::rotate(tags.begin() + static_cast<std::ptrdiff_t>(start + 1),
+                        tags.begin() + static_cast<std::ptrdiff_t>(k),
+                        tags.begin() + static_cast<std::ptrdiff_t>(k + 1));
+            return;
+        }
+    }
+}
+
 bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const char* sectionEnd) {
+    std::size_t start = tags.size();
     tags.push_back(first);
     // Read straight into the list: a tag copied in from a local is reloaded before its
     // stores have landed, which costs more than the reading itself.
@@ -202,11 +281,33 @@ bool Loader::collectInto(const TagView& first, std::vector<TagView>& tags, const
         if (t.code == 0) {
             unread(t);
             tags.pop_back();
+            handleToHead(tags, start);
             return true;
         }
     }
     tags.pop_back();
+    handleToHead(tags, start);
+    // With recover, the enclosing section says that the file ended.
+    if (recover_ && !reader_.failed()) return true;
     return failAtEnd(std::string("\"0 ") + sectionEnd + "\"");
+}
+
+// The reactors of a {ACAD_REACTORS group from begin to end into p; false, with none
+// taken, when one is named twice.
+bool takeReactors(std::span<const TagView> tags, std::size_t begin, std::size_t end,
+                  ParsedObject& p) {
+    std::size_t first = p.reactors.size();
+    for (std::size_t k = begin; k < end; ++k) {
+        if (tags[k].code != 330) continue;
+        std::uint64_t h = ReadContext::parseHandle(tags[k].value);
+        if (std::find(p.reactors.begin() + static_cast<std::ptrdiff_t>(first), p.reactors.end(),
+                      h) != p.reactors.end()) {
+            p.reactors.resize(first);
+            return false;
+        }
+        p.reactors.push_back(h);
+    }
+    return true;
 }
 
 void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
@@ -216,6 +317,7 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.handleCode = 5;
     p.owner = 0;
     p.hasOwner = false;
+    p.ownerAsRead = 0;
     p.reactors.clear();
     p.extensionDictionary = 0;
     p.dictionaryFirst = false;
@@ -236,12 +338,12 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
             std::size_t close = i + 1;
             while (close < n && !(tags[close].code == 102 && trimmed(tags[close].value) == "}"))
                 ++close;
-            if (group == "{ACAD_REACTORS") {
-                for (std::size_t k = i + 1; k < close; ++k) {
-                    if (tags[k].code == 330)
-                        p.reactors.push_back(ReadContext::parseHandle(tags[k].value));
-                }
-            } else if (group == "{ACAD_XDICTIONARY") {
+            // A reactor named twice is no second reactor: such a group is kept as read.
+            if (group == "{ACAD_REACTORS" && takeReactors(tags, i + 1, close, p)) {
+                i = close < n ? close + 1 : n;
+                continue;
+            }
+            if (group == "{ACAD_XDICTIONARY") {
                 p.dictionaryFirst = p.reactors.empty();
                 for (std::size_t k = i + 1; k < close; ++k) {
                     if (tags[k].code == 360) {
@@ -270,10 +372,65 @@ void Loader::parse(std::span<const TagView> tags, ParsedObject& p) const {
     p.xdata = std::span<const TagView>(tags.data() + x, n - x);
 }
 
+bool Loader::badNumberIn(const ParsedObject& p) {
+    std::size_t line = 0;
+    std::string what;
+    if (!ctx_.takeBadNumber(line, what)) return false;
+    if (treeKept_) return true;  // said once for the whole run
+    if (!recover_) {
+        if (numberError_.empty()) {
+            numberErrorLine_ = line;
+            numberError_ = what;
+        }
+    } else {
+        warn(line, what + "; the " + std::string(p.type) + " is kept as read");
+    }
+    return true;
+}
+
+void Loader::renumbered(const ParsedObject& p, AcDbObjectId id) {
+    char given[17], taken[17];
+    std::snprintf(given, sizeof given, "%llX", static_cast<unsigned long long>(p.handle));
+    std::snprintf(taken, sizeof taken, "%llX",
+                  static_cast<unsigned long long>(id.handle().value()));
+    warn(p.line, "handle " + std::string(given) + " given twice: the " + std::string(p.type) +
+                     " takes handle " + taken);
+}
+
+bool Loader::treeNumbersOk(const EntityBatch& batch, std::size_t first, std::size_t end) {
+    for (std::size_t o = first; o < end; ++o) {
+        for (const TagView& t : batch.object(o)) {
+            double real = 0;
+            std::int64_t whole = 0;
+            switch (db::kindOfGroupCode(t.code)) {
+                case db::ValueKind::Real:
+                case db::ValueKind::Point:
+                    if (!ctx_.real(t, real)) return false;
+                    break;
+                case db::ValueKind::Int16:
+                case db::ValueKind::Int32:
+                case db::ValueKind::Int64:
+                case db::ValueKind::Bool:
+                    if (!parseInt(t.value, whole) && !ctx_.real(t, real)) return false;
+                    break;
+                default:
+                    break;
+            }
+        }
+    }
+    return true;
+}
+
 AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwner,
                            const Codec* codec) {
     ObjectRecord record;
     AcDbObject* obj = codec ? codec->read(p, ctx_, record) : nullptr;
+    std::string xdata = p.xdata.empty() ? std::string() : packXdata(ctx_, p.xdata);
+    bool bad = badNumberIn(p);
+    if (bad && obj != nullptr) {
+        delete obj;  // a number that is not one: the object is kept as read
+        obj = nullptr;
+    }
     if (obj == nullptr) {
         record = ObjectRecord();
         AcDbRawTags raw;
@@ -291,13 +448,16 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     for (std::uint64_t h : p.reactors)
         obj->addPersistentReactor(ctx_.idOf(h));
     if (p.extensionDictionary) obj->setExtensionDictionaryId(ctx_.idOf(p.extensionDictionary));
-    if (!p.xdata.empty()) obj->restorePackedXdata(packXdata(ctx_, p.xdata), &unpackXdata);
+    if (!p.xdata.empty()) obj->restorePackedXdata(std::move(xdata), &unpackXdata);
     AcDbObjectId id;
     if (database_.restoreObject(id, obj, AcDbHandle(p.handle)) != Acad::eOk) {
         // A handle given twice or none at all: the object gets a fresh one.
         database_.restoreObject(id, obj, AcDbHandle());
+        if (p.handle != 0 && recover_) renumbered(p, id);
     }
+    if (bad && entity && !treeKept_) keptAsRead_.push_back(id);
     record.handleCode = p.handleCode;
+    record.ownerAsRead = entity ? p.ownerAsRead : 0;
     record.dictionaryFirst = p.dictionaryFirst && !p.reactors.empty();
     record.appGroups = std::move(p.appGroups);
     if (codec && record.hasPresent && codec->isCanonical(*obj, probe_, record)) {
@@ -309,19 +469,143 @@ AcDbObjectId Loader::place(ParsedObject& p, bool entity, AcDbObjectId defaultOwn
     return id;
 }
 
+// The code page of a file that names none. Chinese text in GBK is pairs of bytes above
+// ASCII (GB2312's characters lie in A1-F7 followed by A1-FE); Western text in ANSI_1252,
+// the DXF default, has such bytes one at a time among ASCII. Streams that cannot seek
+// keep the default.
+std::string guessCodePage(std::istream& in) {
+    std::ios::iostate state = in.rdstate();
+    in.clear();
+    std::istream::pos_type at = in.tellg();
+    if (at == std::istream::pos_type(-1)) {
+        in.clear(state);
+        return "ANSI_1252";
+    }
+    in.seekg(0);
+    std::uint64_t pairs = 0, single = 0;
+    int lead = -1;
+    // Text that is UTF-8 throughout was written by a program that ignored the code page:
+    // read as the DXF default, as other readers read it.
+    bool utf8 = true;
+    int continuations = 0;
+    std::vector<char> buffer(1 << 16);
+    while (in.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) || in.gcount() > 0) {
+        std::size_t n = static_cast<std::size_t>(in.gcount());
+        for (std::size_t i = 0; i < n; ++i) {
+            int b = static_cast<unsigned char>(buffer[i]);
+            if (continuations > 0) {
+                utf8 = utf8 && (b & 0xC0) == 0x80;
+                --continuations;
+            } else if (b >= 0x80) {
+                continuations = b >= 0xC2 && b <= 0xDF ? 1 : b >= 0xE0 && b <= 0xEF ? 2 : 3;
+                utf8 = utf8 && b >= 0xC2 && b <= 0xF4;
+            }
+            if (lead >= 0) {
+                if (lead >= 0xA1 && lead <= 0xF7 && b >= 0xA1 && b <= 0xFE) {
+                    ++pairs;
+                } else {
+                    ++single;
+                }
+                lead = -1;
+            } else if (b >= 0x81 && b <= 0xFE) {
+                lead = b;
+            } else if (b >= 0x80) {
+                ++single;
+            }
+        }
+    }
+    in.clear();
+    in.seekg(at);
+    in.clear(state);
+    return pairs > 0 && single * 4 <= pairs && !utf8 ? "ANSI_936" : "ANSI_1252";
+}
+
+// One past the largest handle a file names (defines or refers to), read ahead in a
+// stream that can seek; 0 when it cannot.
+std::uint64_t scanHandles(std::istream& in) {
+    std::ios::iostate state = in.rdstate();
+    in.clear();
+    std::istream::pos_type at = in.tellg();
+    if (at == std::istream::pos_type(-1)) {
+        in.clear(state);
+        return 0;
+    }
+    in.seekg(0);
+    std::uint64_t next = 0;
+    {
+        TagReader scan(in, "");
+        TagView t;
+        while (scan.next(t)) {
+            int c = t.code;
+            if (c == 5 || c == 105 || (c >= 320 && c <= 369) || (c >= 390 && c <= 399) ||
+                c == 480 || c == 481 || c == 1005) {
+                std::uint64_t h = ReadContext::parseHandle(t.value);
+                if (h < UINT64_MAX) next = std::max(next, h + 1);
+            }
+            scan.release();
+        }
+    }
+    in.clear();
+    in.seekg(at);
+    in.clear(state);
+    return next;
+}
+
+void Loader::reserveHandles() {
+    handlesReserved_ = true;
+    if (handseed_ == 0) handseed_ = scanHandles(in_);
+    database_.setHandseed(handseed_);
+}
+
+void Loader::decideCodePage(const std::string& declared) {
+    codePageDecided_ = true;
+    if (!codePageOption_.empty()) {
+        file_->codePage = codePageOption_;
+    } else if (!declared.empty()) {
+        file_->codePage = declared;
+    } else if (!isUtf8Version(file_->version) || !file_->hasHeader) {
+        file_->codePage = guessCodePage(in_);
+    }
+    ctx_.strings = DxfStrings(file_->version, file_->codePage);
+}
+
 bool Loader::readHeader() {
     // Strings of the header can only be decoded once its version and code page are known.
     std::vector<std::pair<int, std::string>> raw;
+    std::vector<std::size_t> lines;
     std::string version, codePage;
     TagView t;
+    bool ended = false;
     while (next(t)) {
-        if (is(t, 0, "ENDSEC")) break;
-        if (t.code == 0)
+        if (is(t, 0, "ENDSEC")) {
+            // Some writers (dxflib) put header variables after the HEADER's ENDSEC.
+            TagView after;
+            if (recover_ && next(after)) {
+                if (after.code == 9) {
+                    warn(after.line,
+                         "header variables after the HEADER's \"0 ENDSEC\": read "
+                         "as part of the HEADER");
+                    raw.emplace_back(after.code, std::string(after.value));
+                    lines.push_back(after.line);
+                    continue;
+                }
+                unread(after);
+            }
+            ended = true;
+            break;
+        }
+        if (t.code == 0) {
+            if (sectionCutShort(t)) {
+                ended = true;
+                break;
+            }
             return fail(t.line, "expected \"0 ENDSEC\" to end the HEADER, found " + describe(t));
+        }
         raw.emplace_back(t.code, std::string(t.value));
+        lines.push_back(t.line);
     }
     if (reader_.failed()) return false;
-    if (!is(t, 0, "ENDSEC")) return failAtEnd("\"0 ENDSEC\"");
+    if (!ended && !endsHere("\"0 ENDSEC\"")) return false;
     for (std::size_t i = 0; i + 1 < raw.size(); ++i) {
         if (raw[i].first != 9) continue;
         std::string_view name = trimmed(raw[i].second);
@@ -333,19 +617,27 @@ bool Loader::readHeader() {
             // No object takes fewer than some 40 bytes of a file: a seed far beyond what
             // the file can hold reserves nothing it does not need.
             if (fileSize_ > 0) database_.reserve(std::min(handseed_, fileSize_ / 40));
+            // Kept free from now on, for what has no handle in the file.
+            database_.setHandseed(handseed_);
         }
-        if (name == "$INSUNITS") {
+        if (name == "$INSUNITS" || name == "$TILEMODE") {
             std::int64_t v = 0;
-            if (parseInt(value, v)) file_->insUnits = static_cast<int>(v);
-        }
-        if (name == "$TILEMODE") {
-            std::int64_t v = 1;
-            if (parseInt(value, v)) tilemode_ = static_cast<int>(v);
+            if (ctx_.integer(TagView{raw[i + 1].first, value, lines[i + 1]}, v)) {
+                (name == "$INSUNITS" ? file_->insUnits : tilemode_) = static_cast<int>(v);
+            }
+            std::size_t line = 0;
+            std::string what;
+            if (ctx_.takeBadNumber(line, what)) {
+                if (!recover_) return fail(line, what);
+                warn(line,
+                     what + "; the header variable " + std::string(name) + " is kept as read");
+                file_->headerAsRead.emplace_back(name);
+            }
         }
     }
     if (!version.empty()) file_->version = version;
-    if (!codePage.empty()) file_->codePage = codePage;
-    ctx_.strings = DxfStrings(file_->version, file_->codePage);
+    file_->hasHeader = true;
+    decideCodePage(codePage);
     ctx_.r12 = file_->version <= "AC1009";
     for (std::size_t i = 0; i < raw.size(); ++i) {
         file_->header.push_back({raw[i].first, ctx_.strings.toUtf8(raw[i].second)});
@@ -353,7 +645,6 @@ bool Loader::readHeader() {
             clayer_ = ctx_.strings.toWide(trimmed(raw[i + 1].second));
         }
     }
-    file_->hasHeader = true;
     return true;
 }
 
@@ -367,13 +658,15 @@ bool Loader::readKeptSection(const std::string& name) {
             return true;
         }
         if (is(t, 0, "EOF") || is(t, 0, "SECTION")) {
+            if (sectionCutShort(t)) break;
             return fail(t.line, "expected \"0 ENDSEC\" to end the " + name + " section, found " +
                                     describe(t));
         }
         section.tags.push_back(ctx_.raw(t));
         if (section.tags.size() % 4096 == 0) reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    file_->keptSections.push_back(std::move(section));
+    return reader_.failed() ? false : t.code == 0 ? true : endsHere("\"0 ENDSEC\"");
 }
 
 bool Loader::readTables() {
@@ -381,6 +674,7 @@ bool Loader::readTables() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (!is(t, 0, "TABLE")) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected \"0 TABLE\" or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDTAB")) return false;
@@ -394,6 +688,7 @@ bool Loader::readTables() {
         parse(tags_, parsed_);
         const Codec* head = tableCodec(tableName);
         AcDbObjectId tableId = place(parsed_, false, AcDbObjectId(), head);
+        if (!numbersOk()) return false;
         file_->tables.push_back(tableId);
         if (head == nullptr) file_->tableNames[tableId.stub()] = tableName;
         if (tableName == "LAYER") layerTable_ = tableId;
@@ -404,7 +699,7 @@ bool Loader::readTables() {
         auto* typed = arx::peek<AcDbSymbolTable>(tableId);
         reader_.release();
         for (;;) {
-            if (!next(t)) return failAtEnd("\"0 ENDTAB\"");
+            if (!next(t)) return endsHere("\"0 ENDTAB\"");
             if (is(t, 0, "ENDTAB")) {
                 if (!collect(t, tags_, "ENDSEC")) return false;
                 break;
@@ -421,19 +716,21 @@ bool Loader::readTables() {
             if (!collect(t, tags_, "ENDTAB")) return false;
             parse(tags_, parsed_);
             if (tableName == "VPORT") {
-                bool active = false;
+                bool active = false, numbers = true;
                 AcDbDatabase::View view = database_.view();
                 for (const TagView& b : parsed_.body) {
                     if (b.code == 2) active = equalsNoCase(trimmed(b.value), "*ACTIVE");
                     if (!active) continue;
-                    if (b.code == 12) parseReal(b.value, view.centerX);
-                    if (b.code == 22) parseReal(b.value, view.centerY);
-                    if (b.code == 40) parseReal(b.value, view.height);
-                    if (b.code == 41) parseReal(b.value, view.aspect);
+                    if (b.code == 12) numbers = ctx_.real(b, view.centerX) && numbers;
+                    if (b.code == 22) numbers = ctx_.real(b, view.centerY) && numbers;
+                    if (b.code == 40) numbers = ctx_.real(b, view.height) && numbers;
+                    if (b.code == 41) numbers = ctx_.real(b, view.aspect) && numbers;
                 }
-                if (active) database_.setView(view);
+                // A view with a number that is none stays as read (with recover).
+                if (active && numbers) database_.setView(view);
             }
             AcDbObjectId id = place(parsed_, false, tableId, codec);
+            if (!numbersOk()) return false;
             if (typed) {
                 typed->restoreRecord(id);
             } else {
@@ -442,7 +739,7 @@ bool Loader::readTables() {
             reader_.release();
         }
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 void Loader::ensureBlockTable() {
@@ -489,7 +786,7 @@ bool Loader::gatherEntity(const TagView& first, EntityBatch& batch) {
     if (!withChildren) return true;
     TagView t;
     for (;;) {
-        if (!next(t)) return failAtEnd("\"0 SEQEND\"");
+        if (!next(t)) return endsHere("\"0 SEQEND\"");
         std::string_view childType = trimmed(t.value);
         if (t.code != 0 ||
             (childType != "VERTEX" && childType != "ATTRIB" && childType != "SEQEND")) {
@@ -507,15 +804,19 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
     std::size_t first = batch.entities[entity], end = batch.entityEnd(entity);
     ParsedObject& parsed = placing_;
     parse(batch.object(first), parsed);
+    // An entity belongs to a block; an owner that is none (a damaged file, or one whose
+    // block records another program dropped) is written back as read, and the entity
+    // is in the space its flag says.
+    parsed.ownerAsRead = 0;
+    if (parsed.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed.owner))) {
+        parsed.hasOwner = false;
+        parsed.ownerAsRead = parsed.owner;
+    }
     // R12 files give the space by the 67 flag, later ones by the owner.
     if (!parsed.hasOwner && defaultOwner == modelSpace_) {
         for (const TagView& b : parsed.body) {
             if (b.code == 67 && trimmed(b.value) == "1") defaultOwner = paperSpace_;
         }
-    }
-    // An entity belongs to a block; an owner that is none (a damaged file) is ignored.
-    if (parsed.hasOwner && !arx::peek<AcDbBlockTableRecord>(ctx_.idOf(parsed.owner))) {
-        parsed.hasOwner = false;
     }
     const Codec* codec = entityCodec(parsed.type);
     if (parsed.type == "POLYLINE") {
@@ -527,9 +828,20 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         }
     }
     if (end - first == 1) return place(parsed, true, defaultOwner, codec);
+    bool keptForNumbers = false;
+    if (codec != nullptr && !treeNumbersOk(batch, first, end)) {
+        badNumberIn(parsed);
+        codec = nullptr;
+        keptForNumbers = true;
+    }
+    treeKept_ = keptForNumbers;
     // The parent is placed after its children, which name it as their owner.
     if (parsed.handle == 0 || arx::peekObject(ctx_.idOf(parsed.handle)) != nullptr) {
-        parsed.handle = database_.handseed().value();  // free, so the children can name it
+        std::uint64_t free = database_.handseed().value();  // so the children can name it
+        if (parsed.handle != 0 && recover_) {
+            renumbered(parsed, ctx_.idOf(free));
+        }
+        parsed.handle = free;
     }
     AcDbObjectId parentId = ctx_.idOf(parsed.handle);
     std::vector<AcDbObjectId> children;
@@ -545,6 +857,8 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         }
     }
     AcDbObjectId id = place(parsed, true, defaultOwner, codec);
+    treeKept_ = false;
+    if (keptForNumbers) keptAsRead_.push_back(id);
     if (codec == nullptr) {
         ObjectRecord& kept = file_->records[id.stub()];
         kept.children = children;
@@ -562,6 +876,7 @@ bool Loader::readBlocks() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (!is(t, 0, "BLOCK")) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected \"0 BLOCK\" or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDBLK")) return false;
@@ -570,9 +885,9 @@ bool Loader::readBlocks() {
         AcGePoint3d origin;
         for (const TagView& b : parsed_.body) {
             if (b.code == 2 && name.empty()) name = ctx_.wide(trimmed(b.value));
-            if (b.code == 10) parseReal(b.value, origin.x);
-            if (b.code == 20) parseReal(b.value, origin.y);
-            if (b.code == 30) parseReal(b.value, origin.z);
+            if (b.code == 10) ctx_.real(b, origin.x);
+            if (b.code == 20) ctx_.real(b, origin.y);
+            if (b.code == 30) ctx_.real(b, origin.z);
         }
         AcDbObjectId recordId;
         if (name.empty() || table->getAt(name.c_str(), recordId) != Acad::eOk) {
@@ -589,16 +904,18 @@ bool Loader::readBlocks() {
         auto* record = arx::peek<AcDbBlockTableRecord>(recordId);
         record->setOrigin(origin);
         AcDbObjectId begin = place(parsed_, true, recordId, nullptr);
+        if (!numbersOk()) return false;
         reader_.release();
         bool layout = recordId == modelSpace_ || recordId == paperSpace_;
         for (;;) {
-            if (!next(t)) return failAtEnd("\"0 ENDBLK\"");
+            if (!next(t)) return endsHere("\"0 ENDBLK\"");
             if (is(t, 0, "ENDBLK")) break;
             if (t.code != 0 || isStructural(t)) {
+                if (sectionCutShort(t)) return true;
                 return fail(t.line, "expected an entity or \"0 ENDBLK\", found " + describe(t));
             }
             AcDbObjectId id;
-            if (!readEntity(t, recordId, id)) return false;
+            if (!readEntity(t, recordId, id) || !numbersOk()) return false;
             auto* owner = arx::peek<AcDbBlockTableRecord>(arx::peekObject(id)->ownerId());
             (owner ? owner : record)->restoreEntity(id);
             if (layout) file_->entities.push_back(id);
@@ -607,11 +924,12 @@ bool Loader::readBlocks() {
         if (!collect(t, tags_, "ENDSEC")) return false;
         parse(tags_, parsed_);
         AcDbObjectId end = place(parsed_, true, recordId, nullptr);
+        if (!numbersOk()) return false;
         file_->blockEnds[recordId.stub()] = {begin, end};
         file_->blocks.push_back(recordId);
         reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 void Loader::placeModelSpaceBatch(const EntityBatch& batch) {
@@ -631,8 +949,11 @@ void Loader::gatherBatch(EntityBatch& batch) {
     bool first = true;
     while (batch.tags.size() < kBatchTags) {
         if (!next(t)) {
-            failAtEnd("\"0 ENDSEC\"");
-            batch.failed = true;
+            if (endsHere("\"0 ENDSEC\"")) {
+                batch.ended = true;
+            } else {
+                batch.failed = true;
+            }
             break;
         }
         if (is(t, 0, "ENDSEC")) {
@@ -640,6 +961,10 @@ void Loader::gatherBatch(EntityBatch& batch) {
             break;
         }
         if (t.code != 0 || isStructural(t)) {
+            if (sectionCutShort(t)) {
+                batch.ended = true;
+                break;
+            }
             fail(t.line, "expected an entity or \"0 ENDSEC\", found " + describe(t));
             batch.failed = true;
             break;
@@ -669,10 +994,11 @@ bool Loader::readEntitiesAside(HandOff<EntityBatch>& gatherer) {
             if (progress) progress(filled.bytesRead);
             placeModelSpaceBatch(filled);
         }
-        if (filled.failed || filled.ended) {
+        bool numbers = numberError_.empty();
+        if (filled.failed || filled.ended || !numbers) {
             gatherer.wait();  // then the reader is this thread's again
             reader_.onChunk(std::move(progress));
-            return !filled.failed;
+            return !filled.failed && numbersOk();
         }
         free = std::move(filled);
     }
@@ -697,6 +1023,7 @@ bool Loader::readEntities() {
     for (;;) {
         gatherBatch(entity_);
         if (!entity_.failed) placeModelSpaceBatch(entity_);
+        if (!numbersOk()) return false;
         if (entity_.failed || entity_.ended) return !entity_.failed;
         reader_.release();
     }
@@ -707,16 +1034,18 @@ bool Loader::readObjects() {
     while (next(t)) {
         if (is(t, 0, "ENDSEC")) return true;
         if (t.code != 0 || isStructural(t)) {
+            if (sectionCutShort(t)) return true;
             return fail(t.line, "expected an object or \"0 ENDSEC\", found " + describe(t));
         }
         if (!collect(t, tags_, "ENDSEC")) return false;
         parse(tags_, parsed_);
         AcDbObjectId id = place(parsed_, false, AcDbObjectId(), objectCodec(parsed_.type));
+        if (!numbersOk()) return false;
         if (namedObjects_.isNull() && arx::peek<AcDbDictionary>(id)) namedObjects_ = id;
         file_->objects.push_back(id);
         reader_.release();
     }
-    return failAtEnd("\"0 ENDSEC\"");
+    return endsHere("\"0 ENDSEC\"");
 }
 
 bool Loader::finish() {
@@ -752,6 +1081,12 @@ bool Loader::finish() {
     database_.setClayer(layer);
     database_.setTilemode(tilemode_ != 0);
     database_.setHandseed(handseed_);
+    file_->report.keptAsRead = std::move(keptAsRead_);
+    // In the order of the file: the reading and the making of objects warn apart.
+    std::stable_sort(warnings_.begin(), warnings_.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (auto& [line, warning] : warnings_)
+        file_->report.warnings.push_back(std::move(warning));
     database_.setFileData(std::move(file_));
     return true;
 }
@@ -766,15 +1101,30 @@ bool Loader::run() {
             return finish();
         }
         if (!is(t, 0, "SECTION")) {
-            return fail(t.line, std::string(any ? "" : "not a DXF file: ") +
-                                    "expected \"0 SECTION\" or \"0 EOF\", found " + describe(t));
+            // A section name without its "0 SECTION", as some writers leave it.
+            if (recover_ && any && t.code == 2) {
+                warn(t.line, "no \"0 SECTION\" before " + describe(t) + ": read as a section");
+            } else {
+                return fail(t.line, std::string(any ? "" : "not a DXF file: ") +
+                                        "expected \"0 SECTION\" or \"0 EOF\", found " +
+                                        describe(t));
+            }
+        } else {
+            if (!next(t)) return endsHere("\"2\" with the section name") && finish();
+            if (t.code != 2) {
+                if (recover_ && any && is(t, 0, "EOF")) {
+                    warn(t.line, "a section without a name before \"0 EOF\": left out");
+                    unread(t);
+                    continue;
+                }
+                return fail(t.line, "expected \"2\" with the section name, found " + describe(t));
+            }
         }
-        if (!next(t)) return failAtEnd("\"2\" with the section name");
-        if (t.code != 2)
-            return fail(t.line, "expected \"2\" with the section name, found " + describe(t));
         std::string name(trimmed(t.value));
         any = true;
         file_->sectionOrder.push_back(name);
+        if (name != "HEADER" && !codePageDecided_) decideCodePage("");
+        if (name != "HEADER" && !handlesReserved_) reserveHandles();
         bool ok = false;
         if (name == "HEADER") {
             ok = readHeader();
@@ -793,6 +1143,7 @@ bool Loader::run() {
         reader_.release();
     }
     if (reader_.failed()) return false;
+    if (any && endsHere("\"0 EOF\"")) return finish();
     return failAtEnd(any ? "\"0 EOF\"" : "\"0 SECTION\" (the file is empty)");
 }
 
@@ -803,7 +1154,7 @@ namespace {
 // Reads with the loader; fileSize non-zero shows the progress bar in megabytes and sizes
 // the handle index.
 bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
-              std::uint64_t fileSize, int threads) {
+              std::uint64_t fileSize, int threads, const ReadOptions& options) {
     constexpr std::uint64_t kStep = 1 << 20;
     struct Bar {
         bool shown = false;
@@ -811,10 +1162,17 @@ bool readWith(std::istream& in, AcDbDatabase& database, std::string& error, cons
             if (shown) db::progressSink().end();
         }
     } bar;
+    std::wstring probe;
+    if (!options.codePage.empty() && !db::decodeCodePage("A", options.codePage, probe)) {
+        error = name + ": unknown code page \"" + options.codePage + "\"";
+        return false;
+    }
     try {
         Loader loader(in, name, database);
         loader.setFileSize(fileSize);
         loader.setThreads(threads);
+        loader.setRecover(options.recover);
+        loader.setCodePage(options.codePage);
         if (fileSize > 0) {
             std::wstring message = L"读取 " + db::utf8ToWide(name);
             db::progressSink().start(message, static_cast<long>((fileSize + kStep - 1) / kStep));
@@ -862,7 +1220,7 @@ std::uint64_t sizeLeft(std::istream& in) {
 bool read(std::istream& in, AcDbDatabase& database, std::string& error, const std::string& name,
           const ReadOptions& options) {
     // No progress bar for a stream.
-    return readWith(in, database, error, name, 0, threadsFor(options, sizeLeft(in)));
+    return readWith(in, database, error, name, 0, threadsFor(options, sizeLeft(in)), options);
 }
 
 bool load(const std::string& path, AcDbDatabase& database, std::string& error,
@@ -875,7 +1233,13 @@ bool load(const std::string& path, AcDbDatabase& database, std::string& error,
     std::error_code ec;
     std::uint64_t size = std::filesystem::file_size(path, ec);
     if (ec) size = 0;
-    return readWith(in, database, error, path, size, threadsFor(options, size));
+    return readWith(in, database, error, path, size, threadsFor(options, size), options);
+}
+
+const ReadReport& readReport(const AcDbDatabase& database) {
+    static const ReadReport none;
+    const auto* file = dynamic_cast<const FileData*>(database.fileData());
+    return file ? file->report : none;
 }
 
 std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,

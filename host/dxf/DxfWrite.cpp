@@ -80,9 +80,21 @@ class Saver {
     std::uint64_t handseed_ = 0;
     std::vector<std::wstring> missingApps_;
     std::unordered_set<const db::Stub*> written_;
+    // Entities the file had in ENTITIES (or in a layout's block) that are still in a
+    // block: written there again, also when their owner is a block record of another
+    // name (a model space some writer called "*U").
+    std::unordered_set<const db::Stub*> entitiesSection_;
 };
 
 void Saver::plan() {
+    if (file_) {
+        for (AcDbObjectId id : file_->entities) {
+            const AcDbObject* obj = live(id) ? arx::peekObject(id) : nullptr;
+            if (obj && arx::peek<AcDbBlockTableRecord>(obj->ownerId())) {
+                entitiesSection_.insert(id.stub());
+            }
+        }
+    }
     // Handles for what the writer adds (block ends, tables a drawing made here lacks,
     // missing application names) come after every handle in use.
     nextHandle_ = database_.handseed().value();
@@ -159,13 +171,15 @@ void Saver::writeHeader() {
                     ++i;
                     continue;
                 }
-                if (name == "$INSUNITS") {
+                bool asRead = std::find(file_->headerAsRead.begin(), file_->headerAsRead.end(),
+                                        name) != file_->headerAsRead.end();
+                if (name == "$INSUNITS" && !asRead) {
                     out.text(9, name);
                     out.integer(70, file_->insUnits);
                     ++i;
                     continue;
                 }
-                if (name == "$TILEMODE") {
+                if (name == "$TILEMODE" && !asRead) {
                     out.text(9, name);
                     out.integer(70, database_.tilemode() ? 1 : 0);
                     ++i;
@@ -205,17 +219,17 @@ void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const Obj
     }
     bool anyReactor = false;
     for (AcDbObjectId id : obj.persistentReactorIds())
-        anyReactor = anyReactor || live(id);
+        anyReactor = anyReactor || WriteContext::refOf(id) != 0;
     auto reactors = [&] {
         if (!anyReactor) return;
         out.text(102, "{ACAD_REACTORS");
         for (AcDbObjectId id : obj.persistentReactorIds()) {
-            if (live(id)) ctx_.ref(330, id);
+            if (WriteContext::refOf(id) != 0) ctx_.ref(330, id);
         }
         out.text(102, "}");
     };
     auto dictionary = [&] {
-        if (!live(obj.extensionDictionary())) return;
+        if (WriteContext::refOf(obj.extensionDictionary()) == 0) return;
         out.text(102, "{ACAD_XDICTIONARY");
         ctx_.ref(360, obj.extensionDictionary());
         out.text(102, "}");
@@ -227,7 +241,8 @@ void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const Obj
         reactors();
         dictionary();
     }
-    out.handle(330, WriteContext::handleOf(obj.ownerId()));
+    out.handle(330, record && record->ownerAsRead ? record->ownerAsRead
+                                                  : WriteContext::refOf(obj.ownerId()));
 }
 
 void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
@@ -243,7 +258,8 @@ void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
     } else if (auto* kept = AcDbUnknownObject::cast(&obj)) {
         writeHead(obj, tableName ? "TABLE" : kept->dxfName(), record, tableName);
         bool active = false;
-        bool view = kept->dxfName() == "VPORT";
+        // The active view is written as the drawing holds it, once it holds one.
+        bool view = kept->dxfName() == "VPORT" && database_.view().known;
         for (const AcDbRawTag& t : kept->tags()) {
             if (view && t.code == 2)
                 active = upper(std::wstring(t.value.begin(), t.value.end())) == L"*ACTIVE";
@@ -494,8 +510,9 @@ void Saver::writeBlocks() {
             out.text(1, "");
         }
         if (recordId != database_.modelSpaceId() && !paper) {
-            for (AcDbObjectId id : record->entityIds())
-                writeEntityTree(id);
+            for (AcDbObjectId id : record->entityIds()) {
+                if (!entitiesSection_.count(id.stub())) writeEntityTree(id);
+            }
         }
         if (live(ends.second)) {
             writeObject(*arx::peekObject(ends.second));
@@ -519,9 +536,7 @@ void Saver::writeEntities() {
     AcDbObjectId spaces[] = {database_.modelSpaceId(), database_.paperSpaceId()};
     if (file_) {
         for (AcDbObjectId id : file_->entities) {
-            const AcDbObject* obj = arx::peekObject(id);
-            if (!live(id) || (obj->ownerId() != spaces[0] && obj->ownerId() != spaces[1])) continue;
-            writeEntityTree(id);
+            if (live(id) && entitiesSection_.count(id.stub())) writeEntityTree(id);
         }
     }
     for (AcDbObjectId space : spaces) {
@@ -586,14 +601,33 @@ bool Saver::run() {
     plan();
     std::vector<std::string> order;
     if (file_) order = file_->sectionOrder;
-    for (const char* name : {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS"}) {
+    static const char* const kOrder[] = {"HEADER", "CLASSES",  "TABLES",
+                                         "BLOCKS", "ENTITIES", "OBJECTS"};
+    for (const char* name : kOrder) {
         if (std::find(order.begin(), order.end(), name) != order.end()) continue;
         if (std::string(name) == "CLASSES") continue;  // nothing to say
-        // Missing ones go after the last section that comes before them.
-        auto at = order.end();
-        if (std::string(name) == "HEADER") at = order.begin();
-        order.insert(at, name);
+        order.push_back(name);
     }
+    // The sections a drawing has go in the order readers expect (a file may have had
+    // ENTITIES first, or none but ENTITIES); others stay after the one they followed.
+    auto rank = [](const std::string& name) {
+        for (std::size_t i = 0; i < std::size(kOrder); ++i) {
+            if (name == kOrder[i]) return static_cast<int>(i) * 2;
+        }
+        return -1;
+    };
+    std::vector<std::pair<int, std::string>> ranked;
+    int last = 1;  // a section before any known one goes after the HEADER
+    for (const std::string& name : order) {
+        int r = rank(name);
+        if (r >= 0) last = r;
+        ranked.emplace_back(r >= 0 ? r : last + 1, name);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    order.clear();
+    for (auto& [r, name] : ranked)
+        order.push_back(std::move(name));
     std::unordered_set<std::string> done;
     for (const std::string& name : order) {
         if (!done.insert(name).second) continue;

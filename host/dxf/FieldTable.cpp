@@ -98,14 +98,15 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
         const TagView* first = t;
         switch (field->kind) {
             case FieldKind::Real:
-                ok = parseReal(t->value, v.real);
+                ok = ctx.real(*t, v.real);
                 break;
             case FieldKind::Angle:
-                ok = parseReal(t->value, v.real);
+                ok = ctx.real(*t, v.real);
                 v.real = degToRad(v.real);
+                if (ok) ReadContext::spell(record, *t, v.real, radToDeg(v.real));
                 break;
             case FieldKind::Int:
-                ok = parseInt(t->value, v.integer);
+                ok = ctx.integer(*t, v.integer);
                 break;
             case FieldKind::Text:
                 v.text = ctx.wide(t->value);
@@ -115,15 +116,15 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
                 break;
             case FieldKind::Point2:
             case FieldKind::Point3: {
-                ok = parseReal(t->value, v.point.x);
+                ok = ctx.real(*t, v.point.x);
                 if (t + 1 < end && t[1].code == field->code + 10) {
-                    ok = parseReal((++t)->value, v.point.y) && ok;
+                    ok = ctx.real(*++t, v.point.y) && ok;
                 } else {
                     ok = false;
                 }
                 if (field->kind == FieldKind::Point3 && t + 1 < end &&
                     t[1].code == field->code + 20) {
-                    ok = parseReal((++t)->value, v.point.z) && ok;
+                    ok = ctx.real(*++t, v.point.z) && ok;
                 }
                 break;
             }
@@ -155,13 +156,14 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
     }
 }
 
-void FieldTable::writeField(const Field& f, const FieldValue& v, WriteContext& ctx) const {
+void FieldTable::writeField(const Field& f, const FieldValue& v, WriteContext& ctx,
+                            const ObjectRecord* record) const {
     switch (f.kind) {
         case FieldKind::Real:
             ctx.out.real(f.code, v.real);
             break;
         case FieldKind::Angle:
-            ctx.out.real(f.code, radToDeg(v.real));
+            ctx.real(record, f.code, v.real, radToDeg(v.real));
             break;
         case FieldKind::Int:
             ctx.out.integer(f.code, v.integer);
@@ -195,7 +197,7 @@ void FieldTable::write(const AcDbObject& obj, WriteContext& ctx, const ObjectRec
             if (write && f.writeOverride) {
                 f.writeOverride(v, ctx);
             } else if (write) {
-                writeField(f, v, ctx);
+                writeField(f, v, ctx, record);
             }
             ctx.extras(record, anchorOf(s, static_cast<int>(i)));
         }

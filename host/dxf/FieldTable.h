@@ -55,6 +55,8 @@ class FieldTable {
         return static_cast<int>(subclass) * 64 + field + 1;
     }
     static constexpr int kTail = 1 << 20;
+    // Anchors from here on are free for a codec's own part after the table's.
+    static constexpr int kOwn = 1 << 21;
     std::size_t size() const { return subclasses_.size(); }
 
   private:
@@ -62,7 +64,8 @@ class FieldTable {
     bool isDefault(const Field& f, const FieldValue& v) const {
         return same(f.kind, v, f.fallback);
     }
-    void writeField(const Field& f, const FieldValue& v, WriteContext& ctx) const;
+    void writeField(const Field& f, const FieldValue& v, WriteContext& ctx,
+                    const ObjectRecord* record) const;
 
     std::vector<Subclass> subclasses_;
     std::vector<std::size_t> firstBit_;

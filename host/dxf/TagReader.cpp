@@ -61,7 +61,11 @@ TagReader::TagReader(std::istream& in, std::string name) : in_(in), name_(std::m
 void TagReader::fail(std::size_t line, const std::string& what) {
     inPlace_ = false;
     if (!error_.empty()) return;
-    error_ = name_ + (binary_ ? ": byte " : ": line ") + std::to_string(line) + ": " + what;
+    error_ = where(line) + ": " + what;
+}
+
+std::string TagReader::where(std::size_t line) const {
+    return name_ + (binary_ ? ": byte " : ": line ") + std::to_string(line);
 }
 
 bool TagReader::refill() {

@@ -82,6 +82,8 @@ class TagReader {
     const std::string& name() const { return name_; }
     // Records an error found by a layer above, at a line of this file.
     void fail(std::size_t line, const std::string& what);
+    // "name: line N" (ASCII) or "name: byte N" (binary), as messages begin.
+    std::string where(std::size_t line) const;
     std::size_t line() const { return line_; }
     // Called after each chunk read from the stream with the bytes read so far, for a
     // progress bar.

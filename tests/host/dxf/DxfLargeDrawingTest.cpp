@@ -118,7 +118,7 @@ TEST(DxfLargeDrawingTest, ReadingOnTwoThreadsGivesTheSameDrawing) {
         std::string error;
         auto aside = dxf::load(path, error);  // a file this size is read on two threads
         ASSERT_TRUE(aside) << error;
-        auto here = dxftest::loadText(c.text, error, {.threads = 1});
+        auto here = dxftest::loadText(c.text, error, dxftest::withThreads(1));
         ASSERT_TRUE(here) << error;
         auto stream = dxftest::loadText(c.text, error);  // a stream that tells its size
         ASSERT_TRUE(stream) << error;
@@ -167,7 +167,7 @@ TEST(DxfLargeDrawingTest, ErrorsAreTheSameOnTwoThreads) {
         dxftest::writeFile(path, c.text);
         std::string aside, here;
         EXPECT_EQ(dxf::load(path, aside), nullptr);
-        EXPECT_EQ(dxftest::loadText(c.text, here, {.threads = 1}), nullptr);
+        EXPECT_EQ(dxftest::loadText(c.text, here, dxftest::withThreads(1)), nullptr);
         EXPECT_EQ(withoutName(aside), c.expected);
         EXPECT_EQ(withoutName(here), c.expected);
     }

@@ -48,7 +48,7 @@ TEST_P(DxfRoundTripTest, SavingKeepsEveryTag) {
     auto first = dxftest::loadText(original, error);
     ASSERT_TRUE(first) << error;
     std::string saved = dxftest::saveText(*first);
-    auto twoThreads = dxftest::loadText(original, error, {.threads = 2});
+    auto twoThreads = dxftest::loadText(original, error, dxftest::withThreads(2));
     ASSERT_TRUE(twoThreads) << error;
     EXPECT_EQ(dxftest::saveText(*twoThreads), saved) << "the entities made on a second thread";
     if (d.sameTags) {

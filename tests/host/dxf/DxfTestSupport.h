@@ -18,6 +18,13 @@ std::string makeTempFolder();
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 
+// Read options that fix the number of reading threads.
+inline dxf::ReadOptions withThreads(int threads) {
+    dxf::ReadOptions options;
+    options.threads = threads;
+    return options;
+}
+
 std::unique_ptr<AcDbDatabase> loadText(const std::string& text, std::string& error,
                                        const dxf::ReadOptions& options = {});
 std::string saveText(const AcDbDatabase& database, const std::string& version = "");

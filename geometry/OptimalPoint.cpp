@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr double kTwoPi = 2 * 3.14159265358979323846;
 constexpr double kSqrt2 = 1.4142135623730951;
 
 // One edge in coordinates relative to the outline's first vertex, with its circle when
@@ -20,7 +19,7 @@ constexpr double kSqrt2 = 1.4142135623730951;
 struct Edge {
     double ax, ay, bx, by;
     bool arc = false;
-    double cx = 0, cy = 0, r = 0, start = 0, sweep = 0;  // sweep signed, ccw positive
+    double cx = 0, cy = 0, r = 0, sweep = 0;  // sweep signed, ccw positive
 };
 
 Edge makeEdge(double ax, double ay, double bx, double by, double bulge) {
@@ -34,25 +33,37 @@ Edge makeEdge(double ax, double ay, double bx, double by, double bulge) {
     e.cx = (ax + bx) / 2 - dy / chord * h;
     e.cy = (ay + by) / 2 + dx / chord * h;
     e.r = std::hypot(ax - e.cx, ay - e.cy);
-    e.start = std::atan2(ay - e.cy, ax - e.cx);
     return e;
 }
 
-double segmentDistance(const Edge& e, double px, double py) {
+double segmentDistance2(const Edge& e, double px, double py) {
     double dx = e.bx - e.ax, dy = e.by - e.ay;
     double len2 = dx * dx + dy * dy;
     double t = len2 > 0 ? std::clamp(((px - e.ax) * dx + (py - e.ay) * dy) / len2, 0.0, 1.0) : 0;
-    return std::hypot(px - (e.ax + t * dx), py - (e.ay + t * dy));
+    double ex = px - (e.ax + t * dx), ey = py - (e.ay + t * dy);
+    return ex * ex + ey * ey;
 }
 
-double edgeDistance(const Edge& e, double px, double py) {
-    if (!e.arc) return segmentDistance(e, px, py);
-    double along = std::atan2(py - e.cy, px - e.cx) - e.start;
-    if (e.sweep < 0) along = -along;
-    along = std::fmod(along, kTwoPi);
-    if (along < 0) along += kTwoPi;
-    if (along <= std::fabs(e.sweep)) return std::fabs(std::hypot(px - e.cx, py - e.cy) - e.r);
-    return std::min(std::hypot(px - e.ax, py - e.ay), std::hypot(px - e.bx, py - e.by));
+// The arc is the part of its circle on the side of the chord it bulges to (right of the
+// chord for a counter-clockwise arc).
+bool onArcSide(const Edge& e, double qx, double qy) {
+    double left = (e.bx - e.ax) * (qy - e.ay) - (e.by - e.ay) * (qx - e.ax);
+    return e.sweep > 0 ? left < 0 : left > 0;
+}
+
+// The squared distance from the point to the edge: for an arc, to the circle where the
+// point's nearest circle point lies on the arc, else to the nearer end.
+double edgeDistance2(const Edge& e, double px, double py) {
+    if (!e.arc) return segmentDistance2(e, px, py);
+    double dx = px - e.cx, dy = py - e.cy;
+    double fromCentre = std::sqrt(dx * dx + dy * dy);
+    if (fromCentre > 0 &&
+        onArcSide(e, e.cx + dx * e.r / fromCentre, e.cy + dy * e.r / fromCentre)) {
+        double d = fromCentre - e.r;
+        return d * d;
+    }
+    double ax = px - e.ax, ay = py - e.ay, bx = px - e.bx, by = py - e.by;
+    return std::min(ax * ax + ay * ay, bx * bx + by * by);
 }
 
 // Even-odd parity against the edge's chord, changed once more inside the part of its
@@ -62,9 +73,9 @@ bool crosses(const Edge& e, double px, double py) {
     if ((e.ay > py) != (e.by > py) && px < e.ax + (py - e.ay) * (e.bx - e.ax) / (e.by - e.ay)) {
         flip = true;
     }
-    if (e.arc && std::hypot(px - e.cx, py - e.cy) < e.r) {
-        double left = (e.bx - e.ax) * (py - e.ay) - (e.by - e.ay) * (px - e.ax);
-        if (e.sweep > 0 ? left < 0 : left > 0) flip = !flip;
+    if (e.arc) {
+        double dx = px - e.cx, dy = py - e.cy;
+        if (dx * dx + dy * dy < e.r * e.r && onArcSide(e, px, py)) flip = !flip;
     }
     return flip;
 }
@@ -77,11 +88,12 @@ struct Area {
     // island), negative outside.
     double signedDistance(double px, double py) const {
         bool inside = false;
-        double nearest = HUGE_VAL;
+        double nearest2 = HUGE_VAL;
         for (const Edge& e : edges) {
             if (crosses(e, px, py)) inside = !inside;
-            nearest = std::min(nearest, edgeDistance(e, px, py));
+            nearest2 = std::min(nearest2, edgeDistance2(e, px, py));
         }
+        double nearest = std::sqrt(nearest2);
         return inside ? nearest : -nearest;
     }
 };
@@ -139,7 +151,7 @@ bool pole(const Area& area, double tolerance, double& x, double& y, double& dist
     double width = area.maxX - area.minX, height = area.maxY - area.minY;
     double size = std::min(width, height);
     if (!(size > 0)) return false;
-    if (!(tolerance > 0)) tolerance = std::max(width, height) / 1000;
+    if (!(tolerance > 0)) tolerance = std::max(width, height) / 200;
     std::priority_queue<Cell> cells;
     double half = size / 2;
     for (double cx = area.minX; cx < area.maxX; cx += size) {
@@ -147,7 +159,16 @@ bool pole(const Area& area, double tolerance, double& x, double& y, double& dist
             cells.emplace(cx + half, cy + half, half, area);
         }
     }
+    // The better of the box's centre and the outline's vertex centroid to begin with: a
+    // good first guess lets most cells go unsplit.
     Cell best(area.minX + width / 2, area.minY + height / 2, 0, area);
+    double sx = 0, sy = 0;
+    for (const Edge& e : area.edges) {
+        sx += e.ax;
+        sy += e.ay;
+    }
+    Cell centroid(sx / area.edges.size(), sy / area.edges.size(), 0, area);
+    if (centroid.d > best.d) best = centroid;
     // Enough for any outline a plan holds; it ends the search on a pathological one.
     constexpr int kMaxCells = 200000;
     for (int probed = 0; !cells.empty() && probed < kMaxCells; ++probed) {

@@ -78,13 +78,10 @@ TEST_F(LabelPointTest, CentroidsOfPolylinesAndRegions) {
         {"half disc, clockwise", {{-10, 0}, {10, 0}}, {0, 1}, {0, halfDisc}},
     };
     for (const Case& c : cases) {
-        auto* pline = new AcDbPolyline;
-        for (std::size_t i = 0; i < c.points.size(); ++i) {
-            pline->addVertexAt(static_cast<unsigned>(i), {X0 + c.points[i].x, Y0 + c.points[i].y},
-                               i < c.bulges.size() ? c.bulges[i] : 0.0);
-        }
-        pline->setClosed(true);
-        AcDbObjectId id = addEntity(pline);
+        std::vector<AcGePoint2d> shifted;
+        for (const AcGePoint2d& p : c.points)
+            shifted.push_back({X0 + p.x, Y0 + p.y});
+        AcDbObjectId id = addPolyline(shifted, c.bulges);
         AcGePoint3d pt;
         EXPECT_EQ(FGetCenterPt(id, pt), 1) << c.what;
         EXPECT_NEAR(pt.x, X0 + c.expected.x, 1e-6) << c.what;

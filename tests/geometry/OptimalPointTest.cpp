@@ -19,19 +19,7 @@
 
 namespace {
 
-class OptimalPointTest : public KplanTest {
-  protected:
-    AcDbObjectId addShape(const std::vector<AcGePoint2d>& points, const std::vector<double>& bulges,
-                          bool closed = true) {
-        auto* pline = new AcDbPolyline;
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            pline->addVertexAt(static_cast<unsigned>(i), points[i],
-                               i < bulges.size() ? bulges[i] : 0.0);
-        }
-        pline->setClosed(closed);
-        return addEntity(pline);
-    }
-};
+class OptimalPointTest : public KplanTest {};
 
 TEST_F(OptimalPointTest, PolesWorkedByHand) {
     struct Case {
@@ -60,7 +48,7 @@ TEST_F(OptimalPointTest, PolesWorkedByHand) {
         {"lens", {{0, 0}, {8, 0}}, {0.5, 0.5}, {4, 0}, 2, 0.05},
     };
     for (const Case& c : cases) {
-        AcDbObjectId id = addShape(c.points, c.bulges);
+        AcDbObjectId id = addPolyline(c.points, c.bulges);
         AcGePoint3d pt(0, 0, 4);
         double distance = 0;
         ASSERT_EQ(FGetCurveOptimalPt(id, pt, 0.001, &distance), 1) << c.what;
@@ -73,8 +61,8 @@ TEST_F(OptimalPointTest, PolesWorkedByHand) {
 
 TEST_F(OptimalPointTest, IslandsLinkedToTheParcelAreCutOut) {
     // A 30 x 10 parcel with an 18 x 8 island in its left part.
-    AcDbObjectId parcel = addShape({{0, 0}, {30, 0}, {30, 10}, {0, 10}}, {});
-    AcDbObjectId island = addShape({{1, 1}, {19, 1}, {19, 9}, {1, 9}}, {});
+    AcDbObjectId parcel = addPolyline({{0, 0}, {30, 0}, {30, 10}, {0, 10}}, {});
+    AcDbObjectId island = addPolyline({{1, 1}, {19, 1}, {19, 9}, {1, 9}}, {});
     AcGePoint3d pt;
     double distance = 0;
     ASSERT_EQ(FGetCurveOptimalPt(parcel, pt, 0.001, &distance), 1);
@@ -91,7 +79,7 @@ TEST_F(OptimalPointTest, IslandsLinkedToTheParcelAreCutOut) {
     EXPECT_NEAR(distance, 5, 0.002);
 
     // Given by the caller instead: an island covering everything leaves no point.
-    AcDbObjectId cover = addShape({{-1, -1}, {31, -1}, {31, 11}, {-1, 11}}, {});
+    AcDbObjectId cover = addPolyline({{-1, -1}, {31, -1}, {31, 11}, {-1, 11}}, {});
     AcDbObjectIdArray covering;
     covering.append(cover);
     pt = {7, 7, 7};
@@ -100,7 +88,7 @@ TEST_F(OptimalPointTest, IslandsLinkedToTheParcelAreCutOut) {
 }
 
 TEST_F(OptimalPointTest, DegenerateInput) {
-    AcDbObjectId erased = addShape({{0, 0}, {1, 0}, {1, 1}}, {});
+    AcDbObjectId erased = addPolyline({{0, 0}, {1, 0}, {1, 1}}, {});
     kova::ent::Erase(erased);
     struct Case {
         const char* what;
@@ -110,12 +98,12 @@ TEST_F(OptimalPointTest, DegenerateInput) {
     const Case cases[] = {
         {"null id", {}, 0},
         {"erased", erased, 0},
-        {"open polyline", addShape({{0, 0}, {10, 0}, {10, 10}}, {}, false), 0},
-        {"open, ends meet", addShape({{0, 0}, {10, 0}, {10, 10}, {0, 0}}, {}, false), 1},
-        {"one vertex", addShape({{3, 3}}, {}), 0},
-        {"two coincident vertices", addShape({{3, 3}, {3, 3}}, {}), 0},
-        {"zero-length polyline, bulged", addShape({{3, 3}, {3, 3}}, {1, 1}), 0},
-        {"collinear", addShape({{0, 0}, {5, 0}, {10, 0}}, {}), 0},
+        {"open polyline", addPolyline({{0, 0}, {10, 0}, {10, 10}}, {}, false), 0},
+        {"open, ends meet", addPolyline({{0, 0}, {10, 0}, {10, 10}, {0, 0}}, {}, false), 1},
+        {"one vertex", addPolyline({{3, 3}}, {}), 0},
+        {"two coincident vertices", addPolyline({{3, 3}, {3, 3}}, {}), 0},
+        {"zero-length polyline, bulged", addPolyline({{3, 3}, {3, 3}}, {1, 1}), 0},
+        {"collinear", addPolyline({{0, 0}, {5, 0}, {10, 0}}, {}), 0},
         {"line", addEntity(new AcDbLine({0, 0, 0}, {1, 1, 0})), 0},
         {"text", addEntity(new AcDbText({0, 0, 0}, L"A")), 0},
         {"circle", addCircle(5, 5, 2), 1},
@@ -232,13 +220,13 @@ TEST_F(OptimalPointTest, TenThousandRandomParcelsAgainstGeos) {
         std::vector<AcGePoint2d> absolute;
         for (const auto& v : p.points)
             absolute.push_back({X0 + v.x, Y0 + v.y});
-        AcDbObjectId id = addShape(absolute, p.bulges);
+        AcDbObjectId id = addPolyline(absolute, p.bulges);
         AcDbObjectIdArray islands;
         if (!p.island.empty()) {
             std::vector<AcGePoint2d> square;
             for (const auto& v : p.island)
                 square.push_back({X0 + v.x, Y0 + v.y});
-            islands.append(addShape(square, {}));
+            islands.append(addPolyline(square, {}));
             ++withIslands;
         }
         for (double b : p.bulges) {

@@ -55,13 +55,7 @@ TEST_F(InsidePtTest, PointsSurelyInside) {
          {0, 0, 0, 0, 0}},
     };
     for (const Case& c : cases) {
-        auto* pline = new AcDbPolyline;
-        for (std::size_t i = 0; i < c.points.size(); ++i) {
-            pline->addVertexAt(static_cast<unsigned>(i), c.points[i],
-                               i < c.bulges.size() ? c.bulges[i] : 0.0);
-        }
-        pline->setClosed(true);
-        AcDbObjectId id = addEntity(pline);
+        AcDbObjectId id = addPolyline(c.points, c.bulges);
         AcGePoint3d pt(0, 0, 9);
         ASSERT_EQ(kova::ent::GetInsidePt(id, pt), 1) << c.what;
         EXPECT_TRUE(insideOutline(c.points, c.bulges, pt)) << c.what;

@@ -14,5 +14,7 @@ void addConvertCommand(CLI::App& app, int& exitCode);
 void addStatsCommand(CLI::App& app, int& exitCode);
 // "kplan list [DRAWING]": one row per parcel.
 void addListCommand(CLI::App& app, int& exitCode);
+// "kplan label DRAWING -o OUT": each parcel's number and class as text at its label point.
+void addLabelCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

@@ -1,7 +1,5 @@
 #include "draw/DisplayHelpers.h"
 
-#include <exception>
-
 #include "host/arx/acedads.h"
 #include "host/kova/KovaCad.h"
 #include "host/kova/KovaEnt.h"
@@ -28,21 +26,10 @@ int zoomAround(const AcGePoint3d& lowerLeft, const AcGePoint3d& upperRight, cons
     return acedCommand(RTSTR, command, RTSTR, L"W", RTPOINT, a, RTPOINT, b, 0);
 }
 
-template <typename Body>
-int guarded(const ACHAR* tag, Body body) {
-    try {
-        return body();
-    } catch (Acad::ErrorStatus status) {
-        kova::PrintErrorMsg(status, tag);
-    } catch (const std::exception&) {
-    }
-    return 0;
-}
-
 }  // namespace
 
 int PanEnt(AcDbObjectId id) {
-    return guarded(L"QMPlot::PanEnt", [&] {
+    return kova::Guarded(L"QMPlot::PanEnt", 0, [&] {
         AcGePoint3d lowerLeft, upperRight;
         if (!extentsOf(id, lowerLeft, upperRight)) return 0;
         AcGePoint3d viewLowerLeft, viewUpperRight;
@@ -55,7 +42,7 @@ int PanEnt(AcDbObjectId id) {
 }
 
 int ZoomEnt(AcDbObjectId id) {
-    return guarded(L"QMPlot::ZoomEnt", [&] {
+    return kova::Guarded(L"QMPlot::ZoomEnt", 0, [&] {
         AcGePoint3d lowerLeft, upperRight;
         if (!extentsOf(id, lowerLeft, upperRight)) return 0;
         return zoomAround(lowerLeft, upperRight, L"ZOOM", 120, 80);

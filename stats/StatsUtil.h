@@ -2,9 +2,7 @@
 // Small helpers shared by the statistics: number reading and the guard that keeps a host
 // error status from leaving an exported function.
 #include <cwchar>
-#include <exception>
 
-#include "host/arx/acadstrc.h"
 #include "host/kova/KovaError.h"
 #include "host/mfc/CString.h"
 
@@ -20,17 +18,6 @@ inline int ToInteger(const CString& text) {
     return static_cast<int>(std::wcstol(static_cast<const wchar_t*>(text), nullptr, 10));
 }
 
-// Runs body; a thrown host status is reported under the tag and, like any other
-// escaping failure, turned into the failure result.
-template <typename Result, typename Body>
-Result Guarded(const wchar_t* tag, Result failure, Body body) {
-    try {
-        return body();
-    } catch (Acad::ErrorStatus status) {
-        kova::PrintErrorMsg(status, tag);
-    } catch (const std::exception&) {
-    }
-    return failure;
-}
+using kova::Guarded;
 
 }  // namespace stats

@@ -1,5 +1,6 @@
 #include "host/arx/acutads.h"
 
+#include <cmath>
 #include <cstdarg>
 #include <cstring>
 #include <cwchar>
@@ -305,4 +306,22 @@ bool acutRbToValues(const resbuf* list, db::ValueList& values) {
     }
     values = std::move(out);
     return true;
+}
+
+ads_real acutAngle(const ads_point pt1, const ads_point pt2) {
+    double a = std::atan2(pt2[Y] - pt1[Y], pt2[X] - pt1[X]);
+    return a < 0 ? a + 2 * M_PI : a;
+}
+
+void acutPolar(const ads_point pt, ads_real angle, ads_real dist, ads_point result) {
+    // Written through temporaries: result may be pt itself.
+    double x = pt[X] + dist * std::cos(angle), y = pt[Y] + dist * std::sin(angle);
+    result[X] = x;
+    result[Y] = y;
+    result[Z] = pt[Z];
+}
+
+ads_real acutDistance(const ads_point pt1, const ads_point pt2) {
+    return std::sqrt((pt2[X] - pt1[X]) * (pt2[X] - pt1[X]) + (pt2[Y] - pt1[Y]) * (pt2[Y] - pt1[Y]) +
+                     (pt2[Z] - pt1[Z]) * (pt2[Z] - pt1[Z]));
 }

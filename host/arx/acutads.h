@@ -23,6 +23,14 @@ int acutUpdString(const ACHAR* text, ACHAR*& target);
 // Copies of lists, counted like any other.
 resbuf* acutDuplicateRb(const resbuf* list);
 
+// The angle of the line from pt1 to pt2 in the XY plane, counter-clockwise from the x
+// axis, in radians in [0, 2*pi).
+ads_real acutAngle(const ads_point pt1, const ads_point pt2);
+// The point at the angle (radians) and distance from pt in the XY plane; z is pt's.
+void acutPolar(const ads_point pt, ads_real angle, ads_real dist, ads_point result);
+// The distance between two points in space.
+ads_real acutDistance(const ads_point pt1, const ads_point pt2);
+
 int acutPrintf(const ACHAR* format, ...);
 // The host's wcmatch (see host/db/WildcardMatch.h), case-sensitive: RTNORM on a match,
 // RTERROR otherwise.

@@ -304,7 +304,7 @@ Acad::ErrorStatus AcDb2dPolyline::appendVertex(AcDbObjectId& id, AcDb2dVertex* v
     Acad::ErrorStatus es = database()->addAcDbObject(id, vertex);
     if (es != Acad::eOk) return es;
     vertex->setOwnerId(objectId());
-    vertices_.push_back(id);
+    vertices_.append(id);
     return Acad::eOk;
 }
 
@@ -319,29 +319,15 @@ void AcDb2dPolyline::subAddedToDatabase() {
             delete v;
         }
     }
-    if (seqend_.isNull()) {
-        auto* end = new AcDbSequenceEnd();
-        end->setPropertiesFrom(this);
-        if (database()->addAcDbObject(seqend_, end) == Acad::eOk) {
-            end->setOwnerId(objectId());
-            end->close();
-        } else {
-            delete end;
-        }
-    }
+    vertices_.addSeqend(*this);
 }
 
 void AcDb2dPolyline::restoreVertices(std::vector<AcDbObjectId> vertices, AcDbObjectId seqend) {
-    vertices_ = std::move(vertices);
-    seqend_ = seqend;
+    vertices_.restore(std::move(vertices), seqend);
 }
 
 std::vector<AcDbObjectId> AcDb2dPolyline::vertexIds() const {
-    std::vector<AcDbObjectId> live;
-    for (AcDbObjectId id : vertices_) {
-        if (!id.isErased()) live.push_back(id);
-    }
-    return live;
+    return vertices_.liveIds();
 }
 
 AcDbObjectIterator* AcDb2dPolyline::vertexIterator() const {
@@ -361,7 +347,7 @@ void AcDb2dPolyline::collect(std::vector<AcGePoint2d>& points, std::vector<doubl
         points.push_back(v->position().convert2d());
         bulges.push_back(v->bulge());
     };
-    for (AcDbObjectId id : vertices_) {
+    for (AcDbObjectId id : vertices_.ids()) {
         if (id.isErased()) continue;
         if (auto* v = arx::peek<AcDb2dVertex>(id)) add(v);
     }

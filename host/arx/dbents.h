@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "host/arx/dbcurve.h"
+#include "host/arx/ownedchain.h"
 
 class AcDbLine : public AcDbCurve {
   public:
@@ -214,7 +215,7 @@ class AcDb2dPolyline : public AcDbCurve {
     Acad::ErrorStatus openVertex(AcDb2dVertex*& vertex, AcDbObjectId id, AcDb::OpenMode mode,
                                  bool openErased = false) const;
     std::vector<AcDbObjectId> vertexIds() const;
-    AcDbObjectId sequenceEndId() const { return seqend_; }
+    AcDbObjectId sequenceEndId() const { return vertices_.seqend(); }
     // For loaders: vertices and end marker read from a file, already resident.
     void restoreVertices(std::vector<AcDbObjectId> vertices, AcDbObjectId seqend);
 
@@ -233,9 +234,8 @@ class AcDb2dPolyline : public AcDbCurve {
     void subAddedToDatabase() override;
 
   private:
-    std::vector<AcDbObjectId> vertices_;
+    arx::OwnedChain vertices_;
     std::vector<AcDb2dVertex*> pending_;  // owned until the polyline is added
-    AcDbObjectId seqend_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     double elevation_ = 0;
     AcDb::Poly2dType type_ = AcDb::k2dSimplePoly;

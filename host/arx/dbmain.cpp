@@ -601,6 +601,11 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
     visible_ = true;
 }
 
+Acad::ErrorStatus AcDbEntity::getPlane(AcGePlane&, AcDb::Planarity& planarity) const {
+    planarity = AcDb::kNonPlanar;
+    return Acad::eNotApplicable;
+}
+
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const {
     return Acad::eInvalidExtents;
 }

@@ -9,6 +9,7 @@
 #include "host/arx/adsdef.h"
 #include "host/arx/dbcolor.h"
 #include "host/arx/dbid.h"
+#include "host/arx/geplane.h"
 #include "host/arx/gepnt3d.h"
 #include "host/arx/rxobject.h"
 #include "host/db/Value.h"
@@ -188,6 +189,8 @@ class AcDbEntity : public AcDbObject {
     void setDatabaseDefaults(AcDbDatabase* database = nullptr);
 
     virtual Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const;
+    // The plane the entity lies in; eNotApplicable for entities that do not say.
+    virtual Acad::ErrorStatus getPlane(AcGePlane& plane, AcDb::Planarity& planarity) const;
 
   private:
     std::wstring layer_ = L"0";

@@ -3,10 +3,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <new>
 #include <ostream>
+#include <stdexcept>
 #include <unordered_set>
 
 #include "host/arx/dbdict.h"
@@ -274,7 +276,13 @@ void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
             ctx_.raw(t);
         }
     } else {
-        return;  // a class this writer does not know cannot come from a file
+        // A class of the host that no codec writes (a region made in memory): the save
+        // fails rather than leave it out and lose it.
+        char handle[24];
+        std::snprintf(handle, sizeof handle, "%llX",
+                      static_cast<unsigned long long>(WriteContext::handleOf(obj.objectId())));
+        throw std::runtime_error(db::wideToUtf8(obj.isA()->dxfName()) + " " + handle +
+                                 ": kplan cannot write this kind of object to DXF");
     }
     if (const std::string* packed = obj.packedXdata()) {
         writePackedXdata(ctx_, *packed);

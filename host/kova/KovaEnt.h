@@ -40,6 +40,18 @@ AcDbObjectId Copy(AcDbObjectId id);
 int GetCurveParam(AcDbObjectId id, AcGePoint3dArray* points, AcGeDoubleArray* bulges);
 int GetCurveParam(AcDbObjectId id, AcGePoint3dArray& points, AcGeDoubleArray& bulges);
 
+// A point strictly inside a closed entity: a closed polyline (or one whose ends meet), a
+// circle, a region (its inner loops are holes), arcs considered. x and y are written, z
+// is left as the caller passed it. The point is the middle of the widest span of a
+// horizontal line across the area, the line chosen among the heights where the outline
+// has no vertex; it is no centroid, only surely inside. Text, multiline text and block
+// references, which enclose no area, give the centre of their extents. 0 for open
+// curves, outlines enclosing no area and other entities.
+int GetInsidePt(AcDbObjectId id, AcGePoint3d& pt);
+
+// The midpoint of a line (z included) or of an arc; 0 for other entities.
+int GetMidPt(AcDbObjectId id, AcGePoint3d& pt);
+
 // The exact area enclosed by a curve (arcs of polylines and circles included), an open
 // curve taken as closed by a straight segment; positive. Other curves (ellipses, splines)
 // give the host's own area. 0, with area 0, when the entity is not a curve.

@@ -47,6 +47,11 @@ AcDbObjectId KplanTest::addEntity(AcDbEntity* entity, AcDbObjectId space) {
 
 AcDbObjectId KplanTest::addPolyline(std::initializer_list<AcGePoint2d> points,
                                     std::vector<double> bulges, bool closed, AcDbObjectId space) {
+    return addPolyline(std::vector<AcGePoint2d>(points), std::move(bulges), closed, space);
+}
+
+AcDbObjectId KplanTest::addPolyline(const std::vector<AcGePoint2d>& points,
+                                    std::vector<double> bulges, bool closed, AcDbObjectId space) {
     auto* pline = new AcDbPolyline();
     unsigned int i = 0;
     for (const AcGePoint2d& p : points) {

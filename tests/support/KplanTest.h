@@ -33,6 +33,9 @@ class KplanTest : public ::testing::Test {
     AcDbObjectId addPolyline(std::initializer_list<AcGePoint2d> points,
                              std::vector<double> bulges = {}, bool closed = true,
                              AcDbObjectId space = {});
+    // The same from a list made at run time.
+    AcDbObjectId addPolyline(const std::vector<AcGePoint2d>& points, std::vector<double> bulges,
+                             bool closed = true, AcDbObjectId space = {});
     AcDbObjectId addRectangle(double x0, double y0, double x1, double y1, AcDbObjectId space = {});
     AcDbObjectId addCircle(double x, double y, double radius, AcDbObjectId space = {});
     // Adds any new entity to a space and closes it; the id, or null on failure.

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <memory>
 #include <numbers>
 #include <random>
@@ -32,11 +31,7 @@ namespace {
 using Drawing = bench::StatsDrawing;
 
 Drawing& drawing(int count) {
-    static std::map<int, Drawing> made;
-    auto it = made.find(count);
-    if (it == made.end()) it = made.emplace(count, bench::makeStatsDrawing(count, false)).first;
-    acDocManager->setCurDocument(it->second.document);
-    return it->second;
+    return bench::sharedStatsDrawing(count);
 }
 
 void BM_Measure(benchmark::State& state) {

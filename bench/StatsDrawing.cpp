@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <random>
 #include <string>
@@ -121,6 +122,14 @@ StatsDrawing makeStatsDrawing(int count, bool withIndicators) {
     d.crossingShare = shares(d.boundary, 1, d.clipShare, d.wholeClipShare);
     db::commandLine().clearTranscript();
     return d;
+}
+
+StatsDrawing& sharedStatsDrawing(int count) {
+    static std::map<int, StatsDrawing> made;
+    auto it = made.find(count);
+    if (it == made.end()) it = made.emplace(count, makeStatsDrawing(count, false)).first;
+    acDocManager->setCurDocument(it->second.document);
+    return it->second;
 }
 
 }  // namespace bench

@@ -21,4 +21,8 @@ struct StatsDrawing {
 // a Chinese remark) and makes the boundary a planning scope line ("FAPP_GHFWX").
 StatsDrawing makeStatsDrawing(int count, bool withIndicators);
 
+// The drawing of count parcels without indicators, made on first use and kept for the
+// process; it becomes the current document.
+StatsDrawing& sharedStatsDrawing(int count);
+
 }  // namespace bench

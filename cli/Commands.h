@@ -14,5 +14,9 @@ void addConvertCommand(CLI::App& app, int& exitCode);
 void addStatsCommand(CLI::App& app, int& exitCode);
 // "kplan list [DRAWING]": one row per parcel.
 void addListCommand(CLI::App& app, int& exitCode);
+// "kplan export DRAWING OUT": the records as GIS layers, one per kind.
+void addExportCommand(CLI::App& app, int& exitCode);
+// "kplan import LAYER --into DRAWING -o OUT": GIS polygons as parcels with records.
+void addImportCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

@@ -14,6 +14,8 @@ int main(int argc, char** argv) {
     kplan::cli::addConvertCommand(app, exitCode);
     kplan::cli::addStatsCommand(app, exitCode);
     kplan::cli::addListCommand(app, exitCode);
+    kplan::cli::addExportCommand(app, exitCode);
+    kplan::cli::addImportCommand(app, exitCode);
     kplan::cli::TerminalProgress::installOnStderr();
     // The domain code's command-line messages are for a CAD user watching; here nobody is.
     db::commandLine().keepTranscript(false);

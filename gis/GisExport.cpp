@@ -1,0 +1,506 @@
+#include "gis/GisExport.h"
+
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <system_error>
+
+#include "gis/GisFields.h"
+#include "gis/GisSession.h"
+#include "host/arx/outline.h"
+#include "host/arx/peek.h"
+#include "host/kova/ArxDataXData.h"
+#include "record/BoundaryRecord.h"
+#include "record/DKBJXDInfo.h"
+#include "record/DKKeys.h"
+#include "record/DYBJInfo.h"
+#include "record/GHHXInfo.h"
+#include "record/JFBJInfo.h"
+#include "record/JZBJInfo.h"
+#include "record/LabelList.h"
+#include "record/XDataAccess.h"
+#include "standard/KovaAttribSet.h"
+
+namespace gis {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Arcs become chords whose sagitta stays within this many drawing units (metres).
+constexpr double kChordTolerance = 0.01;
+
+struct Field {
+    std::string name;
+    FieldType type = FieldType::Text;
+    std::string alias;
+};
+
+// One outline's fields, by field name, as the record holds them.
+using Values = std::vector<std::pair<std::string, std::string>>;
+
+struct Feature {
+    AcDbObjectId id;
+    Values values;
+};
+
+std::string utf8(const CString& text) {
+    return text.ToUtf8();
+}
+
+std::string handleOf(AcDbObjectId id) {
+    ACHAR buffer[17] = {};
+    id.handle().getIntoAsciiBuffer(buffer);
+    return utf8(CString(buffer));
+}
+
+std::string trimmedText(CString value) {
+    value.Trim();
+    return utf8(value);
+}
+
+void addValue(Values& values, const std::string& name, const std::string& value) {
+    for (const auto& known : values) {
+        if (known.first == name) return;  // the first record holding a field wins
+    }
+    values.emplace_back(name, value);
+}
+
+Values recordValues(const ExportLayer& layer, AcDbObjectId id) {
+    Values values;
+    CStringArray names, texts, apps;
+    if (layer.kind == LayerKind::Parcel) {
+        CDKBJXDInfo(id).GetData(names, texts, apps);
+    } else if (layer.kind == LayerKind::RedLine) {
+        dk::ReadListPairs(id, dk::APP_GHHX, names, texts);
+    } else {
+        ARX_DATA::CFGisXData::GetAllXDatas(id, apps, names, texts);
+    }
+    for (INT_PTR i = 0; i < names.GetSize() && i < texts.GetSize(); ++i) {
+        std::string name = utf8(names[i]);
+        if (layer.kind != LayerKind::RedLine) name = keyOfFieldName(name);
+        if (!name.empty()) addValue(values, name, trimmedText(texts[i]));
+    }
+    return values;
+}
+
+std::string labelOfKey(const std::string& key) {
+    CString wide = CString::FromUtf8(key);
+    for (const dk::LabelKey& label : dk::LABEL_KEYS) {
+        if (wide == label.key) return utf8(CString(label.label));
+    }
+    return {};
+}
+
+// The kplan fields first, then the fields the attribute file switches on, in its order,
+// then whatever else the records hold, in the order met.
+std::vector<Field> layerFields(const ExportLayer& layer, const std::vector<Feature>& features) {
+    std::vector<Field> fields = {{"handle", FieldType::Text, "句柄"}};
+    if (layer.kind == LayerKind::Parcel) {
+        fields.push_back({"generation", FieldType::Integer, "记录版本"});
+        fields.push_back({"class_name", FieldType::Text, "类别名称"});
+    }
+    if (layer.kind != LayerKind::RedLine)
+        fields.push_back({"area_ha", FieldType::Real, "面积(公顷)"});
+    std::size_t own = fields.size();
+    auto known = [&](const std::string& name) {
+        for (const Field& field : fields) {
+            if (field.name == name) return true;
+        }
+        return false;
+    };
+    CString path;
+    CStringArray keys, aliases;
+    CKovaAttribSet::FGetAttFileAndAppName(layer.app.c_str(), path, keys, aliases);
+    for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
+        std::string key = utf8(keys[i]);
+        if (!known(key)) fields.push_back({key, fieldTypeOfKey(key), trimmedText(aliases[i])});
+    }
+    for (const Feature& feature : features) {
+        for (const auto& value : feature.values) {
+            if (known(value.first)) continue;
+            FieldType type =
+                layer.kind == LayerKind::RedLine ? FieldType::Text : fieldTypeOfKey(value.first);
+            fields.push_back({value.first, type, ""});
+        }
+    }
+    for (std::size_t i = own; i < fields.size(); ++i) {
+        if (fields[i].alias.empty()) fields[i].alias = labelOfKey(fields[i].name);
+    }
+    return fields;
+}
+
+bool outlineRing(AcDbObjectId id, OGRLinearRing& ring) {
+    auto* entity = AcDbEntity::cast(arx::peekObject(id));
+    std::vector<AcGePoint2d> points;
+    bool closed = false;
+    if (entity == nullptr || !arx::entityOutline(entity, points, closed, kChordTolerance) ||
+        points.size() < 3)
+        return false;
+    ring.setNumPoints(static_cast<int>(points.size()), FALSE);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        ring.setPoint(static_cast<int>(i), points[i].x, points[i].y);
+    ring.closeRings();
+    return true;
+}
+
+std::unique_ptr<OGRGeometry> geometryOf(const ExportLayer& layer, AcDbObjectId id) {
+    if (layer.kind == LayerKind::RedLine) {
+        auto* entity = AcDbEntity::cast(arx::peekObject(id));
+        std::vector<AcGePoint2d> points;
+        bool closed = false;
+        if (entity == nullptr || !arx::entityOutline(entity, points, closed, kChordTolerance) ||
+            points.size() < 2)
+            return nullptr;
+        auto line = std::make_unique<OGRLineString>();
+        for (const AcGePoint2d& p : points)
+            line->addPoint(p.x, p.y);
+        if (closed) line->addPoint(points.front().x, points.front().y);
+        return line;
+    }
+    auto polygon = std::make_unique<OGRPolygon>();
+    OGRLinearRing outer;
+    if (!outlineRing(id, outer)) return nullptr;
+    polygon->addRing(&outer);
+    if (layer.kind == LayerKind::Parcel) {
+        AcDbObjectIdArray islands;
+        CDKBJXDInfo(id).GetIsland(islands);
+        for (AcDbObjectId island : islands) {
+            OGRLinearRing hole;
+            if (outlineRing(island, hole)) polygon->addRing(&hole);
+        }
+    }
+    return polygon;
+}
+
+double areaOf(const ExportLayer& layer, AcDbObjectId id) {
+    double area = 0;
+    if (layer.kind == LayerKind::Parcel) {
+        CDKBJXDInfo(id).GetArea(area);
+    } else {
+        dk::OutlineArea(id, area);
+    }
+    return area;
+}
+
+std::string classCode(const ExportLayer& layer, const Values& values) {
+    bool underground = layer.app == dk::FAPP_GHDK_DX || layer.app == dk::FAPP_XZDK_DX;
+    std::string code;
+    for (const auto& value : values) {
+        if (underground && value.first == "FS_DXKJXZ" && !value.second.empty()) return value.second;
+        if (value.first == "FS_DKXZ") code = value.second;
+    }
+    return code;
+}
+
+OGRFieldType ogrType(FieldType type) {
+    switch (type) {
+        case FieldType::Real:
+            return OFTReal;
+        case FieldType::Integer:
+            return OFTInteger64;
+        case FieldType::Text:
+            break;
+    }
+    return OFTString;
+}
+
+struct LayerOutput {
+    const ExportLayer* layer;
+    std::vector<Feature> features;
+    std::vector<Field> fields;
+};
+
+std::string sqlText(const std::string& text) {
+    std::string quoted = "'";
+    for (char c : text) {
+        quoted += c;
+        if (c == '\'') quoted += '\'';
+    }
+    return quoted + "'";
+}
+
+// GeoPackage keeps a column's human-readable name as the title of its schema entry (GDAL
+// reads it back as the alternative name from 3.7 on; 3.6 does not write it).
+void writeGpkgTitles(GDALDataset& dataset, const std::string& table,
+                     const std::vector<Field>& fields) {
+    const char* statements[] = {
+        "CREATE TABLE IF NOT EXISTS gpkg_data_columns (table_name TEXT NOT NULL,column_name "
+        "TEXT NOT NULL,name TEXT UNIQUE,title TEXT,description TEXT,mime_type TEXT,"
+        "constraint_name TEXT,CONSTRAINT pk_gdc PRIMARY KEY (table_name, column_name),"
+        "CONSTRAINT gdc_tn UNIQUE (table_name, name))",
+        "INSERT INTO gpkg_extensions (table_name,column_name,extension_name,definition,scope) "
+        "SELECT 'gpkg_data_columns', NULL, 'gpkg_schema', "
+        "'http://www.geopackage.org/spec121/#extension_schema', 'read-write' WHERE NOT EXISTS "
+        "(SELECT 1 FROM gpkg_extensions WHERE table_name = 'gpkg_data_columns')",
+    };
+    for (const char* statement : statements)
+        dataset.ReleaseResultSet(dataset.ExecuteSQL(statement, nullptr, nullptr));
+    for (const Field& field : fields) {
+        if (field.alias.empty()) continue;
+        std::string insert =
+            "INSERT OR REPLACE INTO gpkg_data_columns (table_name, column_name, title) VALUES (" +
+            sqlText(table) + ", " + sqlText(field.name) + ", " + sqlText(field.alias) + ")";
+        dataset.ReleaseResultSet(dataset.ExecuteSQL(insert.c_str(), nullptr, nullptr));
+    }
+}
+
+bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatialReference* srs,
+                const ExportOptions& options, const std::string& file, ExportSummary& summary,
+                std::string& error) {
+    const ExportLayer& layer = *output.layer;
+    char** creation = nullptr;
+    std::string driver = dataset.GetDriverName();
+    if (driver == "ESRI Shapefile") creation = CSLSetNameValue(creation, "ENCODING", "UTF-8");
+    OGRLayer* out = dataset.CreateLayer(
+        layer.name.c_str(), const_cast<OGRSpatialReference*>(srs),
+        layer.kind == LayerKind::RedLine ? wkbLineString : wkbPolygon, creation);
+    CSLDestroy(creation);
+    if (out == nullptr) {
+        error = file + ": cannot create layer " + layer.name + ": " + CPLGetLastErrorMsg();
+        return false;
+    }
+    std::vector<int> index;
+    for (const Field& field : output.fields) {
+        OGRFieldDefn definition(field.name.c_str(), ogrType(field.type));
+        if (!field.alias.empty()) definition.SetAlternativeName(field.alias.c_str());
+        if (out->CreateField(&definition) != OGRERR_NONE) {
+            error = file + ": cannot create field " + field.name + " in layer " + layer.name +
+                    ": " + CPLGetLastErrorMsg();
+            return false;
+        }
+        index.push_back(out->GetLayerDefn()->GetFieldCount() - 1);
+    }
+    if (driver == "GPKG") writeGpkgTitles(dataset, layer.name, output.fields);
+    // Shapefiles shorten long names: look each field up by position, not by name.
+    const bool transaction =
+        dataset.TestCapability(ODsCTransactions) && dataset.StartTransaction() == OGRERR_NONE;
+    long long written = 0;
+    for (const Feature& feature : output.features) {
+        std::unique_ptr<OGRGeometry> geometry = geometryOf(layer, feature.id);
+        if (!geometry) {
+            summary.warnings.push_back(layer.name + ": " + handleOf(feature.id) +
+                                       " has no outline to write; left out");
+            continue;
+        }
+        OGRFeature row(out->GetLayerDefn());
+        row.SetGeometryDirectly(geometry.release());
+        for (std::size_t f = 0; f < output.fields.size(); ++f) {
+            const Field& field = output.fields[f];
+            std::string value;
+            if (field.name == "handle") {
+                value = handleOf(feature.id);
+            } else if (field.name == "generation") {
+                value = std::to_string(CheckDKDataVer(feature.id));
+            } else if (field.name == "area_ha") {
+                value = realText(areaOf(layer, feature.id));
+            } else if (field.name == "class_name") {
+                std::string code = classCode(layer, feature.values);
+                value = options.className && !code.empty() ? options.className(code) : "";
+            } else {
+                for (const auto& known : feature.values) {
+                    if (known.first == field.name) value = known.second;
+                }
+            }
+            if (value.empty()) continue;
+            double real = 0;
+            long long whole = 0;
+            if (field.type == FieldType::Text) {
+                row.SetField(index[f], value.c_str());
+            } else if (field.type == FieldType::Real && parseReal(value, real)) {
+                row.SetField(index[f], real);
+            } else if (field.type == FieldType::Integer && parseInteger(value, whole)) {
+                row.SetField(index[f], static_cast<GIntBig>(whole));
+            } else {
+                summary.warnings.push_back(
+                    layer.name + ": " + handleOf(feature.id) + " " + field.name + " = \"" + value +
+                    "\" is not a " + (field.type == FieldType::Real ? "number" : "whole number") +
+                    "; left empty");
+            }
+        }
+        if (out->CreateFeature(&row) != OGRERR_NONE) {
+            error = file + ": cannot write " + handleOf(feature.id) + " to layer " + layer.name +
+                    ": " + CPLGetLastErrorMsg();
+            if (transaction) dataset.RollbackTransaction();
+            return false;
+        }
+        ++written;
+    }
+    if (transaction && dataset.CommitTransaction() != OGRERR_NONE) {
+        error = file + ": cannot write layer " + layer.name + ": " + CPLGetLastErrorMsg();
+        return false;
+    }
+    summary.layers.emplace_back(layer.name, written);
+    return true;
+}
+
+bool fileExists(const fs::path& path) {
+    std::error_code ec;
+    return fs::exists(path, ec);
+}
+
+// A folder beside the target for the files being written, removed with this object.
+class StagingFolder {
+  public:
+    explicit StagingFolder(const fs::path& beside) {
+        std::string pattern = (beside / ".kplan-export-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+    }
+    StagingFolder(const StagingFolder&) = delete;
+    StagingFolder& operator=(const StagingFolder&) = delete;
+    ~StagingFolder() {
+        std::error_code ec;
+        if (!path_.empty()) fs::remove_all(path_, ec);
+    }
+    const fs::path& path() const { return path_; }
+
+  private:
+    fs::path path_;
+};
+
+}  // namespace
+
+std::vector<ExportLayer> drawingLayers() {
+    std::vector<ExportLayer> layers = {
+        {"planned_parcels", dk::FAPP_GHDK, LayerKind::Parcel, {}},
+        {"current_parcels", dk::FAPP_XZDK, LayerKind::Parcel, {}},
+        {"underground_planned", dk::FAPP_GHDK_DX, LayerKind::Parcel, {}},
+        {"underground_current", dk::FAPP_XZDK_DX, LayerKind::Parcel, {}},
+        {"scope_lines", dk::FAPP_GHFWX, LayerKind::Outline, {}},
+        {"units", dk::FAPP_GHDY, LayerKind::Outline, {}},
+        {"blocks", dk::FAPP_GHJF, LayerKind::Outline, {}},
+        {"buildings", dk::FAPP_JZLKX, LayerKind::Outline, {}},
+        {"red_lines", dk::APP_GHHX, LayerKind::RedLine, {}},
+    };
+    CDKBJXDInfo::GetDkbj(layers[0].ids);
+    CDKBJXDInfo::GetAllXZYD(layers[1].ids);
+    CDKBJXDInfo::GetDXKJ(layers[2].ids, 1);
+    CDKBJXDInfo::GetDXKJ(layers[3].ids, 0);
+    dk::SelectOutlines(dk::FAPP_GHFWX, layers[4].ids);
+    CDYBJInfo::GetDYbj(layers[5].ids);
+    CJFBJInfo::GetJFbj(layers[6].ids);
+    CJZBJInfo::GetJZbj(layers[7].ids);
+    CGHHXInfo::GetGhhx(dk::GHHX_ALL, layers[8].ids);
+    return layers;
+}
+
+std::string driverForPath(const std::string& path) {
+    std::string ext = fs::path(path).extension().string();
+    for (char& c : ext)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (ext == ".gpkg") return "GPKG";
+    if (ext == ".geojson" || ext == ".json") return "GeoJSON";
+    if (ext == ".shp") return "ESRI Shapefile";
+    if (ext == ".fgb") return "FlatGeobuf";
+    return {};
+}
+
+bool checkCrs(const std::string& text, std::string& error) {
+    Session session;
+    OGRSpatialReference srs;
+    if (text.empty() || srs.SetFromUserInput(text.c_str()) != OGRERR_NONE) {
+        error = "--crs " + text +
+                ": not a coordinate system GDAL knows (use EPSG:NNNN, "
+                "for example EPSG:4547 for CGCS2000 / 3-degree Gauss-Kruger CM 114E)";
+        return false;
+    }
+    return true;
+}
+
+bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& path,
+                  const ExportOptions& options, ExportSummary& summary, std::string& error) {
+    Session session;
+    std::string driverName = driverForPath(path);
+    if (driverName.empty()) {
+        error = path + ": unknown output format; name a .gpkg, .geojson, .shp or .fgb file";
+        return false;
+    }
+    OGRSpatialReference srs;
+    if (!options.crs.empty()) {
+        if (!checkCrs(options.crs, error)) return false;
+        srs.SetFromUserInput(options.crs.c_str());
+        srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    }
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(driverName.c_str());
+    if (driver == nullptr) {
+        error = path + ": this GDAL has no " + driverName + " driver";
+        return false;
+    }
+    std::vector<LayerOutput> outputs;
+    for (const ExportLayer& layer : layers) {
+        if (layer.ids.isEmpty()) {
+            summary.emptyLayers.push_back(layer.name);
+            continue;
+        }
+        LayerOutput output{&layer, {}, {}};
+        for (AcDbObjectId id : layer.ids)
+            output.features.push_back({id, recordValues(layer, id)});
+        output.fields = layerFields(layer, output.features);
+        outputs.push_back(std::move(output));
+    }
+    if (outputs.empty()) {
+        error = path + ": the drawing holds no records to export";
+        return false;
+    }
+    fs::path target(path);
+    fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
+    const bool oneFile = driverName == "GPKG";
+    std::vector<std::string> names;  // final file names, in folder
+    if (oneFile) {
+        names.push_back(target.filename().string());
+    } else {
+        for (const LayerOutput& output : outputs)
+            names.push_back(target.stem().string() + "_" + output.layer->name +
+                            target.extension().string());
+    }
+    for (const std::string& name : names) {
+        if (fileExists(folder / name) && !options.overwrite) {
+            error = (folder / name).string() + " exists (-o replaces it)";
+            return false;
+        }
+    }
+    StagingFolder staging(folder);
+    if (staging.path().empty()) {
+        error = folder.string() + ": cannot write there";
+        return false;
+    }
+    const OGRSpatialReference* crs = options.crs.empty() ? nullptr : &srs;
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        if (oneFile && i > 0) break;
+        std::string file = (staging.path() / names[i]).string();
+        std::unique_ptr<GDALDataset> dataset(
+            driver->Create(file.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+        if (!dataset) {
+            error = path + ": cannot create: " + CPLGetLastErrorMsg();
+            return false;
+        }
+        std::size_t first = oneFile ? 0 : i, last = oneFile ? outputs.size() : i + 1;
+        for (std::size_t l = first; l < last; ++l) {
+            if (!writeLayer(*dataset, outputs[l], crs, options, path, summary, error)) return false;
+        }
+        CPLErrorReset();
+        GDALClose(dataset.release());
+        if (CPLGetLastErrorType() == CE_Failure) {
+            error = path + ": cannot finish: " + CPLGetLastErrorMsg();
+            return false;
+        }
+    }
+    // Every file is complete: move them in, the shapefile's companions with them.
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(staging.path(), ec)) {
+        fs::rename(entry.path(), folder / entry.path().filename(), ec);
+        if (ec) {
+            error = (folder / entry.path().filename()).string() + ": cannot write: " + ec.message();
+            return false;
+        }
+    }
+    for (const std::string& name : names)
+        summary.files.push_back((folder / name).string());
+    return true;
+}
+
+}  // namespace gis

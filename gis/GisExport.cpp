@@ -8,12 +8,15 @@
 #include <map>
 #include <memory>
 #include <system_error>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "gis/GisFields.h"
 #include "gis/GisSession.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
 #include "host/kova/ArxDataXData.h"
+#include "host/kova/KovaCad.h"
 #include "record/BoundaryRecord.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
@@ -107,12 +110,10 @@ std::vector<Field> layerFields(const ExportLayer& layer, const std::vector<Featu
     if (layer.kind != LayerKind::RedLine)
         fields.push_back({"area_ha", FieldType::Real, "面积(公顷)"});
     std::size_t own = fields.size();
-    auto known = [&](const std::string& name) {
-        for (const Field& field : fields) {
-            if (field.name == name) return true;
-        }
-        return false;
-    };
+    std::unordered_set<std::string> names;
+    for (const Field& field : fields)
+        names.insert(field.name);
+    auto known = [&names](const std::string& name) { return !names.insert(name).second; };
     CString path;
     CStringArray keys, aliases;
     CKovaAttribSet::FGetAttFileAndAppName(layer.app.c_str(), path, keys, aliases);
@@ -279,8 +280,15 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
     // Shapefiles shorten long names: look each field up by position, not by name.
     const bool transaction =
         dataset.TestCapability(ODsCTransactions) && dataset.StartTransaction() == OGRERR_NONE;
+    std::unordered_map<std::string, std::size_t> position;
+    for (std::size_t f = 0; f < output.fields.size(); ++f)
+        position.emplace(output.fields[f].name, f);
+    std::vector<const std::string*> recorded(output.fields.size());
     long long written = 0;
     for (const Feature& feature : output.features) {
+        std::fill(recorded.begin(), recorded.end(), nullptr);
+        for (const auto& known : feature.values)
+            recorded[position.at(known.first)] = &known.second;
         std::unique_ptr<OGRGeometry> geometry = geometryOf(layer, feature.id);
         if (!geometry) {
             summary.warnings.push_back(layer.name + ": " + handleOf(feature.id) +
@@ -301,10 +309,8 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
             } else if (field.name == "class_name") {
                 std::string code = classCode(layer, feature.values);
                 value = options.className && !code.empty() ? options.className(code) : "";
-            } else {
-                for (const auto& known : feature.values) {
-                    if (known.first == field.name) value = known.second;
-                }
+            } else if (recorded[f] != nullptr) {
+                value = *recorded[f];
             }
             if (value.empty()) continue;
             double real = 0;
@@ -376,15 +382,29 @@ std::vector<ExportLayer> drawingLayers() {
         {"buildings", dk::FAPP_JZLKX, LayerKind::Outline, {}},
         {"red_lines", dk::APP_GHHX, LayerKind::RedLine, {}},
     };
-    CDKBJXDInfo::GetDkbj(layers[0].ids);
-    CDKBJXDInfo::GetAllXZYD(layers[1].ids);
-    CDKBJXDInfo::GetDXKJ(layers[2].ids, 1);
-    CDKBJXDInfo::GetDXKJ(layers[3].ids, 0);
-    dk::SelectOutlines(dk::FAPP_GHFWX, layers[4].ids);
-    CDYBJInfo::GetDYbj(layers[5].ids);
-    CJFBJInfo::GetJFbj(layers[6].ids);
-    CJZBJInfo::GetJZbj(layers[7].ids);
-    CGHHXInfo::GetGhhx(dk::GHHX_ALL, layers[8].ids);
+    // Xdata names only registered applications: a kind whose applications the drawing
+    // never registered has no records, and its scan of every entity can be spared.
+    CStringArray registered;
+    kova::cad::GetSymTable(L"APPID", registered);
+    auto any = [&registered](std::initializer_list<const wchar_t*> apps) {
+        for (const wchar_t* app : apps) {
+            for (const CString& name : registered) {
+                if (name.CompareNoCase(app) == 0) return true;
+            }
+        }
+        return false;
+    };
+    if (any({dk::FAPP_GHDK, dk::FAPP_GHDK_FG, dk::FAPP_GHDK_ZG, dk::FAPP_GHDK_TX, dk::APP_DKSX,
+             dk::APP_DKBJ}))
+        CDKBJXDInfo::GetDkbj(layers[0].ids);
+    if (any({dk::FAPP_XZDK})) CDKBJXDInfo::GetAllXZYD(layers[1].ids);
+    if (any({dk::FAPP_GHDK_DX})) CDKBJXDInfo::GetDXKJ(layers[2].ids, 1);
+    if (any({dk::FAPP_XZDK_DX})) CDKBJXDInfo::GetDXKJ(layers[3].ids, 0);
+    if (any({dk::FAPP_GHFWX})) dk::SelectOutlines(dk::FAPP_GHFWX, layers[4].ids);
+    if (any({dk::FAPP_GHDY, dk::APP_DYSX})) CDYBJInfo::GetDYbj(layers[5].ids);
+    if (any({dk::FAPP_GHJF, dk::APP_JFSX})) CJFBJInfo::GetJFbj(layers[6].ids);
+    if (any({dk::FAPP_JZLKX})) CJZBJInfo::GetJZbj(layers[7].ids);
+    if (any({dk::APP_GHHX})) CGHHXInfo::GetGhhx(dk::GHHX_ALL, layers[8].ids);
     return layers;
 }
 

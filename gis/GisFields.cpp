@@ -36,6 +36,7 @@ bool looksLikeKey(const std::string& name) {
 }
 
 std::string keyOfFieldName(const std::string& name) {
+    if (looksLikeKey(name)) return name;  // no label has a key's prefix
     CString wide = CString::FromUtf8(name);
     for (const dk::LabelKey& label : dk::LABEL_KEYS) {
         if (wide == label.label) return CString(label.key).ToUtf8();

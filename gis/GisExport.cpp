@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "gis/FeatureWriter.h"
 #include "gis/GisFields.h"
 #include "gis/GisSession.h"
 #include "host/arx/outline.h"
@@ -284,7 +285,7 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
     for (std::size_t f = 0; f < output.fields.size(); ++f)
         position.emplace(output.fields[f].name, f);
     std::vector<const std::string*> recorded(output.fields.size());
-    long long written = 0;
+    FeatureWriter writer(*out);
     for (const Feature& feature : output.features) {
         std::fill(recorded.begin(), recorded.end(), nullptr);
         for (const auto& known : feature.values)
@@ -295,7 +296,8 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
                                        " has no outline to write; left out");
             continue;
         }
-        OGRFeature row(out->GetLayerDefn());
+        auto made = std::make_unique<OGRFeature>(out->GetLayerDefn());
+        OGRFeature& row = *made;
         row.SetGeometryDirectly(geometry.release());
         for (std::size_t f = 0; f < output.fields.size(); ++f) {
             const Field& field = output.fields[f];
@@ -328,19 +330,19 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
                     "; left empty");
             }
         }
-        if (out->CreateFeature(&row) != OGRERR_NONE) {
-            error = file + ": cannot write " + handleOf(feature.id) + " to layer " + layer.name +
-                    ": " + CPLGetLastErrorMsg();
-            if (transaction) dataset.RollbackTransaction();
-            return false;
-        }
-        ++written;
+        if (!writer.put(std::move(made))) break;
+    }
+    std::string failure;
+    if (!writer.finish(failure)) {
+        error = file + ": cannot write to layer " + layer.name + ": " + failure;
+        if (transaction) dataset.RollbackTransaction();
+        return false;
     }
     if (transaction && dataset.CommitTransaction() != OGRERR_NONE) {
         error = file + ": cannot write layer " + layer.name + ": " + CPLGetLastErrorMsg();
         return false;
     }
-    summary.layers.emplace_back(layer.name, written);
+    summary.layers.emplace_back(layer.name, writer.written());
     return true;
 }
 

@@ -277,7 +277,6 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
         }
         index.push_back(out->GetLayerDefn()->GetFieldCount() - 1);
     }
-    if (driver == "GPKG") writeGpkgTitles(dataset, layer.name, output.fields);
     // Shapefiles shorten long names: look each field up by position, not by name.
     const bool transaction =
         dataset.TestCapability(ODsCTransactions) && dataset.StartTransaction() == OGRERR_NONE;
@@ -342,6 +341,9 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
         error = file + ": cannot write layer " + layer.name + ": " + CPLGetLastErrorMsg();
         return false;
     }
+    // After the features: a statement of its own between them would make GDAL build the
+    // spatial index as it goes instead of at the end.
+    if (driver == "GPKG") writeGpkgTitles(dataset, layer.name, output.fields);
     summary.layers.emplace_back(layer.name, writer.written());
     return true;
 }

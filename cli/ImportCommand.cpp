@@ -52,7 +52,8 @@ int runImport(const ImportArgs& args) {
               << (summary.parcels == 1 ? " parcel" : " parcels") << ", " << summary.islands
               << (summary.islands == 1 ? " island\n" : " islands\n");
     if (summary.skipped > 0)
-        std::cout << "left out " << summary.skipped << " features without a polygon\n";
+        std::cout << "left out " << summary.skipped
+                  << (summary.skipped == 1 ? " feature" : " features") << " without a polygon\n";
     std::cout << "fields:";
     for (const auto& [field, key] : summary.matched)
         std::cout << " " << field << (field == key ? "" : "=" + key);

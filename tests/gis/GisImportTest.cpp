@@ -104,6 +104,33 @@ TEST(GisImportTest, PolygonsBecomeParcelsWithRecordsMatchedByKeyAliasLabelAndMap
     EXPECT_NEAR(rowNumbered(rows, "N-1")->operator[]("area_ha").number(), 0.96, 1e-9);
 }
 
+TEST(GisImportTest, EachPartOfAMultipolygonIsAParcelWithTheFeaturesFields) {
+    std::string two = R"({"type": "MultiPolygon", "coordinates": [
+        [[[500000, 3500000], [500100, 3500000], [500100, 3500100], [500000, 3500000]]],
+        [[[500200, 3500000], [500300, 3500000], [500300, 3500050], [500200, 3500050],
+          [500200, 3500000]]]]})";
+    std::string point = R"({"type": "Point", "coordinates": [500000, 3500000]})";
+    std::string gpkg =
+        makeGpkg("multi", collection(feature(R"("FS_DKBH": "M-1", "FS_DKXZ": "G1")", two) + ", " +
+                                     feature(R"("FS_DKBH": "P-1")", point)));
+    ASSERT_FALSE(gpkg.empty());
+    std::string out = testFolder() + "/import/multi.dxf";
+    Outcome run = kplan("import " + shellPath(gpkg) + " --into " + shellPath(emptyDrawing()) +
+                        " -o " + shellPath(out));
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("2 planned parcels, 0 islands"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("left out 1 feature without a polygon"), std::string::npos) << run.out;
+    Json rows = listJson(out);
+    ASSERT_EQ(rows.size(), 2u);
+    double total = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(rows[i]["number"].string(), "M-1");
+        EXPECT_EQ(rows[i]["class"].string(), "G1");
+        total += rows[i]["area_ha"].number();
+    }
+    EXPECT_NEAR(total, 0.5 + 0.5, 1e-9);  // a 100 m right triangle and a 100 x 50 m rectangle
+}
+
 TEST(GisImportTest, BadLayersAreRefusedAndNothingIsWritten) {
     std::string bowTie = R"({"type": "Polygon", "coordinates": [[[500000, 3500000],
         [500100, 3500100], [500100, 3500000], [500000, 3500100], [500000, 3500000]]]})";
@@ -120,6 +147,8 @@ TEST(GisImportTest, BadLayersAreRefusedAndNothingIsWritten) {
          "the polygon is not valid (a ring crosses itself"},
         {"badmap", collection(feature(R"("FS_DKBH": "M")", square(500000, 3500000, 10))),
          "--map nosuch=FS_DKXZ", "has no field nosuch"},
+        {"nolayer", collection(feature(R"("FS_DKBH": "L")", square(500000, 3500000, 10))),
+         "--layer nosuch", "no layer nosuch"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

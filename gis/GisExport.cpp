@@ -2,11 +2,11 @@
 
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <random>
 #include <system_error>
 #include <unordered_map>
 #include <unordered_set>
@@ -357,8 +357,13 @@ bool fileExists(const fs::path& path) {
 class StagingFolder {
   public:
     explicit StagingFolder(const fs::path& beside) {
-        std::string pattern = (beside / ".kplan-export-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+        // create_directory fails on a name that exists: a few random tries find a free one.
+        std::random_device random;
+        for (int attempt = 0; attempt < 16 && path_.empty(); ++attempt) {
+            fs::path candidate = beside / (".kplan-export-" + std::to_string(random()));
+            std::error_code ec;
+            if (fs::create_directory(candidate, ec) && !ec) path_ = candidate;
+        }
     }
     StagingFolder(const StagingFolder&) = delete;
     StagingFolder& operator=(const StagingFolder&) = delete;

@@ -57,7 +57,7 @@ int runImport(const ImportArgs& args) {
     std::cout << "fields:";
     for (const auto& [field, key] : summary.matched)
         std::cout << " " << field << (field == key ? "" : "=" + key);
-    std::cout << "\n";
+    std::cout << (summary.matched.empty() ? " none\n" : "\n");
     if (!summary.unmatched.empty()) {
         std::cout << "not imported (no key matches; --map FIELD=KEY):";
         for (const std::string& field : summary.unmatched)

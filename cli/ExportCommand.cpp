@@ -14,7 +14,7 @@ namespace {
 
 struct ExportArgs {
     std::string drawing, out, crs;
-    bool overwrite = false;
+    bool overwrite = false, curves = false;
     StandardOptions standard;
 };
 
@@ -45,6 +45,7 @@ int runExport(const ExportArgs& args) {
     gis::ExportOptions options;
     options.crs = args.crs;
     options.overwrite = args.overwrite;
+    options.curves = args.curves;
     options.className = [&names](const std::string& code) { return names.of(code); };
     gis::ExportSummary summary;
     if (!gis::exportLayers(layers, args.out, options, summary, error)) {
@@ -79,6 +80,8 @@ void addExportCommand(CLI::App& app, int& exitCode) {
                         "Coordinate system of the drawing, e.g. EPSG:4547 (CGCS2000 3-degree "
                         "Gauss-Kruger CM 114E)");
     command->add_flag("-o,--overwrite", args->overwrite, "Replace existing output files");
+    command->add_flag("--curves", args->curves,
+                      "Keep arcs as arcs (GeoPackage only) instead of chords within 1 cm");
     addStandardOptions(*command, args->standard);
     command->callback([args, &exitCode] { exitCode = runExport(*args); });
 }

@@ -14,6 +14,8 @@
 #include "gis/FeatureWriter.h"
 #include "gis/GisFields.h"
 #include "gis/GisSession.h"
+#include "host/arx/dbents.h"
+#include "host/arx/dbpl.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
 #include "host/kova/ArxDataXData.h"
@@ -150,7 +152,79 @@ bool outlineRing(AcDbObjectId id, OGRLinearRing& ring) {
     return true;
 }
 
-std::unique_ptr<OGRGeometry> geometryOf(const ExportLayer& layer, AcDbObjectId id) {
+OGRCircularString* arcThrough(double x0, double y0, double xm, double ym, double x1, double y1) {
+    auto* arc = new OGRCircularString();
+    arc->addPoint(x0, y0);
+    arc->addPoint(xm, ym);
+    arc->addPoint(x1, y1);
+    return arc;
+}
+
+// The outline with its arcs kept: line and arc pieces (a circle is one arc through its
+// opposite point). Null for outlines not drawn in the plane's own orientation or by other
+// entities than polylines and circles: those go as chords.
+std::unique_ptr<OGRCompoundCurve> curveRing(AcDbObjectId id) {
+    AcDbObject* object = arx::peekObject(id);
+    auto ring = std::make_unique<OGRCompoundCurve>();
+    if (auto* circle = AcDbCircle::cast(object)) {
+        if (circle->normal().z <= 0) return nullptr;
+        AcGePoint3d c = circle->center();
+        double r = circle->radius();
+        ring->addCurveDirectly(arcThrough(c.x + r, c.y, c.x - r, c.y, c.x + r, c.y));
+        return ring;
+    }
+    auto* pline = AcDbPolyline::cast(object);
+    if (pline == nullptr || !pline->isClosed() || pline->normal().z <= 0) return nullptr;
+    std::vector<AcGePoint2d> points;
+    std::vector<double> bulges;
+    pline->collect(points, bulges);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const AcGePoint2d& p = points[i];
+        const AcGePoint2d& q = points[(i + 1) % points.size()];
+        if (p.isEqualTo(q)) continue;
+        double bulge = i < bulges.size() ? bulges[i] : 0.0;
+        OGRErr added = OGRERR_NONE;
+        if (bulge == 0) {
+            auto* line = new OGRLineString();
+            line->addPoint(p.x, p.y);
+            line->addPoint(q.x, q.y);
+            added = ring->addCurveDirectly(line);
+        } else {
+            // The arc's middle stands bulge * half the chord off it, to the right of p-q for
+            // a counter-clockwise arc.
+            double mx = (p.x + q.x) / 2 + bulge / 2 * (q.y - p.y);
+            double my = (p.y + q.y) / 2 - bulge / 2 * (q.x - p.x);
+            added = ring->addCurveDirectly(arcThrough(p.x, p.y, mx, my, q.x, q.y));
+        }
+        if (added != OGRERR_NONE) return nullptr;
+    }
+    if (ring->getNumCurves() == 0) return nullptr;
+    return ring;
+}
+
+std::unique_ptr<OGRGeometry> curvedPolygon(const ExportLayer& layer, AcDbObjectId id) {
+    auto polygon = std::make_unique<OGRCurvePolygon>();
+    auto ringOf = [](AcDbObjectId outline) -> std::unique_ptr<OGRCurve> {
+        if (std::unique_ptr<OGRCompoundCurve> curve = curveRing(outline)) return curve;
+        auto chords = std::make_unique<OGRLinearRing>();
+        if (!outlineRing(outline, *chords)) return nullptr;
+        return chords;
+    };
+    std::unique_ptr<OGRCurve> outer = ringOf(id);
+    if (!outer || polygon->addRingDirectly(outer.release()) != OGRERR_NONE) return nullptr;
+    if (layer.kind == LayerKind::Parcel) {
+        AcDbObjectIdArray islands;
+        CDKBJXDInfo(id).GetIsland(islands);
+        for (AcDbObjectId island : islands) {
+            std::unique_ptr<OGRCurve> hole = ringOf(island);
+            if (hole && polygon->addRingDirectly(hole.get()) == OGRERR_NONE) hole.release();
+        }
+    }
+    return polygon;
+}
+
+std::unique_ptr<OGRGeometry> geometryOf(const ExportLayer& layer, AcDbObjectId id, bool curves) {
+    if (curves && layer.kind != LayerKind::RedLine) return curvedPolygon(layer, id);
     if (layer.kind == LayerKind::RedLine) {
         auto* entity = AcDbEntity::cast(arx::peekObject(id));
         std::vector<AcGePoint2d> points;
@@ -258,9 +332,11 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
     char** creation = nullptr;
     std::string driver = dataset.GetDriverName();
     if (driver == "ESRI Shapefile") creation = CSLSetNameValue(creation, "ENCODING", "UTF-8");
-    OGRLayer* out = dataset.CreateLayer(
-        layer.name.c_str(), const_cast<OGRSpatialReference*>(srs),
-        layer.kind == LayerKind::RedLine ? wkbLineString : wkbPolygon, creation);
+    OGRLayer* out = dataset.CreateLayer(layer.name.c_str(), const_cast<OGRSpatialReference*>(srs),
+                                        layer.kind == LayerKind::RedLine ? wkbLineString
+                                        : options.curves                 ? wkbCurvePolygon
+                                                                         : wkbPolygon,
+                                        creation);
     CSLDestroy(creation);
     if (out == nullptr) {
         error = file + ": cannot create layer " + layer.name + ": " + CPLGetLastErrorMsg();
@@ -289,7 +365,7 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
         std::fill(recorded.begin(), recorded.end(), nullptr);
         for (const auto& known : feature.values)
             recorded[position.at(known.first)] = &known.second;
-        std::unique_ptr<OGRGeometry> geometry = geometryOf(layer, feature.id);
+        std::unique_ptr<OGRGeometry> geometry = geometryOf(layer, feature.id, options.curves);
         if (!geometry) {
             summary.warnings.push_back(layer.name + ": " + handleOf(feature.id) +
                                        " has no outline to write; left out");
@@ -446,6 +522,10 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
     std::string driverName = driverForPath(path);
     if (driverName.empty()) {
         error = path + ": unknown output format; name a .gpkg, .geojson, .shp or .fgb file";
+        return false;
+    }
+    if (options.curves && driverName != "GPKG") {
+        error = path + ": --curves needs a GeoPackage (.gpkg); " + driverName + " keeps no arcs";
         return false;
     }
     OGRSpatialReference srs;

@@ -32,6 +32,9 @@ std::vector<ExportLayer> drawingLayers();
 struct ExportOptions {
     std::string crs;  // "EPSG:4547"; empty writes no CRS
     bool overwrite = false;
+    // Arcs and circles of parcel, unit, block and building outlines kept as arcs (curve
+    // polygons; GeoPackage only) instead of chords. Red lines stay chords.
+    bool curves = false;
     // The class table's name of a class code ("" when unknown); fills class_name.
     std::function<std::string(const std::string&)> className;
 };

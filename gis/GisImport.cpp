@@ -3,6 +3,7 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <cmath>
 #include <map>
 #include <memory>
 
@@ -18,7 +19,11 @@ namespace gis {
 
 namespace {
 
-using Ring = std::vector<AcGePoint2d>;
+// Vertices and the bulge of the segment from each to the next.
+struct Ring {
+    std::vector<AcGePoint2d> points;
+    std::vector<double> bulges;
+};
 
 struct Parcel {
     std::vector<Ring> rings;  // the outline, then the holes
@@ -128,49 +133,113 @@ bool valueText(const OGRFeature& feature, const FieldUse& use, std::string& text
     return true;
 }
 
-bool ringPoints(const OGRLinearRing& ring, Ring& points) {
-    for (int i = 0; i < ring.getNumPoints(); ++i)
-        points.emplace_back(ring.getX(i), ring.getY(i));
-    if (points.size() > 1 && points.front().isEqualTo(points.back())) points.pop_back();
-    return points.size() >= 3;
+// The bulge of the arc from p through m to q: the tangent of a quarter of its angle,
+// positive counter-clockwise; 0 when the three points lie on a line.
+double bulgeThrough(const OGRPoint& p, const OGRPoint& m, const OGRPoint& q) {
+    constexpr double kPi = 3.14159265358979323846;
+    double ax = m.getX() - p.getX(), ay = m.getY() - p.getY();
+    double bx = q.getX() - p.getX(), by = q.getY() - p.getY();
+    double turn = ax * by - ay * bx;
+    double d = 2 * turn;
+    if (std::fabs(d) < 1e-12 * (ax * ax + ay * ay + bx * bx + by * by)) return 0;
+    // The centre, relative to p.
+    double cx = (by * (ax * ax + ay * ay) - ay * (bx * bx + by * by)) / d;
+    double cy = (ax * (bx * bx + by * by) - bx * (ax * ax + ay * ay)) / d;
+    double from = std::atan2(-cy, -cx), to = std::atan2(by - cy, bx - cx);
+    double sweep = turn > 0 ? to - from : from - to;
+    while (sweep <= 0)
+        sweep += 2 * kPi;
+    return (turn > 0 ? 1 : -1) * std::tan(sweep / 4);
 }
 
-bool addPolygon(const OGRPolygon& polygon, Parcel parcel, std::vector<Parcel>& parcels) {
-    if (polygon.getExteriorRing() == nullptr) return false;
-    parcel.rings.emplace_back();
-    if (!ringPoints(*polygon.getExteriorRing(), parcel.rings.back())) return false;
-    for (int i = 0; i < polygon.getNumInteriorRings(); ++i) {
+void addVertex(Ring& ring, const OGRPoint& point, double bulge) {
+    ring.points.emplace_back(point.getX(), point.getY());
+    ring.bulges.push_back(bulge);
+}
+
+// Appends the curve without its last point (the next piece, or the ring's start, has it).
+bool appendCurve(const OGRCurve& curve, Ring& ring) {
+    OGRwkbGeometryType type = wkbFlatten(curve.getGeometryType());
+    if (type == wkbCompoundCurve) {
+        for (const OGRCurve* part : *curve.toCompoundCurve()) {
+            if (!appendCurve(*part, ring)) return false;
+        }
+        return true;
+    }
+    const OGRSimpleCurve& simple = *curve.toSimpleCurve();
+    int n = simple.getNumPoints();
+    OGRPoint p, m, q;
+    if (type == wkbCircularString) {
+        for (int i = 0; i + 2 < n; i += 2) {
+            simple.getPoint(i, &p);
+            simple.getPoint(i + 1, &m);
+            simple.getPoint(i + 2, &q);
+            if (p.Equals(&q)) {  // a whole circle: two half circles through m
+                addVertex(ring, p, 1.0);
+                addVertex(ring, m, 1.0);
+            } else {
+                addVertex(ring, p, bulgeThrough(p, m, q));
+            }
+        }
+        return n >= 3 && n % 2 == 1;
+    }
+    for (int i = 0; i + 1 < n; ++i) {
+        simple.getPoint(i, &p);
+        addVertex(ring, p, 0.0);
+    }
+    return n >= 2;
+}
+
+bool ringFrom(const OGRCurve& curve, Ring& ring) {
+    if (!appendCurve(curve, ring)) return false;
+    // Repeated vertices would make zero-length segments.
+    Ring clean;
+    for (std::size_t i = 0; i < ring.points.size(); ++i) {
+        if (!clean.points.empty() && clean.points.back().isEqualTo(ring.points[i])) continue;
+        clean.points.push_back(ring.points[i]);
+        clean.bulges.push_back(ring.bulges[i]);
+    }
+    ring = std::move(clean);
+    bool arcs = false;
+    for (double bulge : ring.bulges)
+        arcs = arcs || bulge != 0;
+    return ring.points.size() >= (arcs ? 2u : 3u);
+}
+
+bool addPolygon(const OGRCurvePolygon& polygon, Parcel parcel, std::vector<Parcel>& parcels) {
+    if (polygon.getExteriorRingCurve() == nullptr) return false;
+    for (const OGRCurve* curve : polygon) {
         parcel.rings.emplace_back();
-        if (!ringPoints(*polygon.getInteriorRing(i), parcel.rings.back())) return false;
+        if (!ringFrom(*curve, parcel.rings.back())) return false;
     }
     parcels.push_back(std::move(parcel));
     return true;
 }
 
-// The polygons of one feature; 0 when it has none, -1 when one is not valid.
+// The polygons of one feature, arcs kept as arcs; 0 when it has none, -1 when one is not
+// valid.
 int readGeometry(const OGRGeometry* geometry, const Parcel& fields, std::vector<Parcel>& parcels) {
     if (geometry == nullptr || geometry->IsEmpty()) return 0;
-    std::unique_ptr<OGRGeometry> linear(geometry->getLinearGeometry());
-    if (!linear) return 0;
-    OGRwkbGeometryType type = wkbFlatten(linear->getGeometryType());
-    if (type != wkbPolygon && type != wkbMultiPolygon) return 0;
-    if (!linear->IsValid()) return -1;
+    OGRwkbGeometryType type = wkbFlatten(geometry->getGeometryType());
+    bool single = type == wkbPolygon || type == wkbCurvePolygon;
+    bool multi = type == wkbMultiPolygon || type == wkbMultiSurface;
+    if (!single && !multi) return 0;
+    if (!geometry->IsValid()) return -1;
+    if (single) return addPolygon(*geometry->toCurvePolygon(), fields, parcels) ? 1 : -1;
     int made = 0;
-    if (type == wkbPolygon) {
-        if (!addPolygon(*linear->toPolygon(), fields, parcels)) return -1;
-        return 1;
-    }
-    for (const OGRPolygon* part : *linear->toMultiPolygon()) {
-        if (!addPolygon(*part, fields, parcels)) return -1;
+    for (const OGRGeometry* part : *geometry->toGeometryCollection()) {
+        OGRwkbGeometryType partType = wkbFlatten(part->getGeometryType());
+        if (partType != wkbPolygon && partType != wkbCurvePolygon) continue;
+        if (!addPolygon(*part->toCurvePolygon(), fields, parcels)) return -1;
         ++made;
     }
     return made;
 }
 
 AcDbObjectId addPolyline(const Ring& ring, AcDbDatabase& database) {
-    auto* pline = new AcDbPolyline(static_cast<unsigned int>(ring.size()));
-    for (std::size_t i = 0; i < ring.size(); ++i)
-        pline->addVertexAt(static_cast<unsigned int>(i), ring[i]);
+    auto* pline = new AcDbPolyline(static_cast<unsigned int>(ring.points.size()));
+    for (std::size_t i = 0; i < ring.points.size(); ++i)
+        pline->addVertexAt(static_cast<unsigned int>(i), ring.points[i], ring.bulges[i]);
     pline->setClosed(true);
     AcDbEntity* entity = pline;
     return kova::ent::SafeAddToDb(entity, &database);

@@ -102,6 +102,20 @@ TEST(GisExportKindsTest, UndergroundArcsAndUnreadableValues) {
         << run.err;
     EXPECT_NE(run.err.find(handle + " FN_ZRKS = \"12.5\" is not a whole number"), std::string::npos)
         << run.err;
+
+    // Kept as arcs, the circle comes back whole: two half circles, area pi r^2.
+    run = kplan("export " + shellPath(kindsDrawing()) + " " + shellPath(out) + " -o --curves");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json curved = readWithGdal(out);
+    const Json& arc = layerNamed(curved, "planned_parcels")["features"][0]["geometry"];
+    EXPECT_EQ(arc["type"].string(), "CURVEPOLYGON");
+    std::string back = testFolder() + "/gis-kinds-back.dxf";
+    run = kplan("import " + shellPath(out) + " --layer planned_parcels --into " +
+                shellPath(emptyDrawing()) + " -o " + shellPath(back));
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json rows = listJson(back);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_NEAR(rows[0]["area_ha"].number(), kPi * kRadius * kRadius / 10000, 1e-12);
 }
 
 }  // namespace

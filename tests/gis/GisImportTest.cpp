@@ -251,4 +251,33 @@ TEST(GisImportTest, TheSampleGoesToAGeoPackageAndBackWithItsRecords) {
     }
 }
 
+TEST(GisImportTest, ArcsKeptAsArcsComeBackAsTheSameArcs) {
+    std::string folder = testFolder() + "/curves";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    std::string gpkg = folder + "/plan.gpkg", back = folder + "/back.dxf";
+    Outcome run = kplan("export " + shellPath(samplePlan()) + " " + shellPath(gpkg) + " --curves");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json dump = readWithGdal(gpkg);
+    const Json& layer = layerNamed(dump, "planned_parcels");
+    ASSERT_GT(layer["features"].size(), 0u);
+    for (std::size_t i = 0; i < layer["features"].size(); ++i)
+        EXPECT_EQ(layer["features"][i]["geometry"]["type"].string(), "CURVEPOLYGON");
+    run = kplan("import " + shellPath(gpkg) + " --layer planned_parcels --into " +
+                shellPath(emptyDrawing()) + " -o " + shellPath(back));
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json before = listJson(samplePlan()), after = listJson(back);
+    std::size_t compared = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i]["kind"].string() != "planned") continue;
+        SCOPED_TRACE(before[i]["number"].string());
+        const Json* again = rowNumbered(after, before[i]["number"].string());
+        ASSERT_NE(again, nullptr);
+        // Bulges from the arcs' three points: the same outline, not chords of it.
+        EXPECT_NEAR((*again)["area_ha"].number(), before[i]["area_ha"].number(), 1e-9);
+        ++compared;
+    }
+    EXPECT_EQ(compared, after.size());
+}
+
 }  // namespace

@@ -31,6 +31,9 @@ def geometry(g):
             if g.GetGeometryCount() else 0
         out["perimeter"] = g.GetGeometryRef(0).Length()
         out["points"] = g.GetGeometryRef(0).GetPointCount()
+    elif g.GetGeometryName() == "CURVEPOLYGON":
+        out["rings"] = g.GetGeometryCount()
+        out["area"] = g.Area()
     else:
         out["length"] = g.Length()
     return out

@@ -16,5 +16,9 @@ void addStatsCommand(CLI::App& app, int& exitCode);
 void addListCommand(CLI::App& app, int& exitCode);
 // "kplan label DRAWING -o OUT": each parcel's number and class as text at its label point.
 void addLabelCommand(CLI::App& app, int& exitCode);
+// "kplan export DRAWING OUT": the records as GIS layers, one per kind.
+void addExportCommand(CLI::App& app, int& exitCode);
+// "kplan import LAYER --into DRAWING -o OUT": GIS polygons as parcels with records.
+void addImportCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

@@ -15,6 +15,8 @@ int main(int argc, char** argv) {
     kplan::cli::addStatsCommand(app, exitCode);
     kplan::cli::addListCommand(app, exitCode);
     kplan::cli::addLabelCommand(app, exitCode);
+    kplan::cli::addExportCommand(app, exitCode);
+    kplan::cli::addImportCommand(app, exitCode);
     kplan::cli::TerminalProgress::installOnStderr();
     // The domain code's command-line messages are for a CAD user watching; here nobody is.
     db::commandLine().keepTranscript(false);

@@ -10,6 +10,7 @@ packages=(
     libgeos-dev python3 python3-ezdxf
     clang libclang-rt-14-dev clang-format
     libdxflib-dev
+    libgdal-dev gdal-bin python3-gdal
 )
 
 missing=()

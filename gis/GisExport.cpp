@@ -568,7 +568,7 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
     }
     for (const std::string& name : names) {
         if (fileExists(folder / name) && !options.overwrite) {
-            error = (folder / name).string() + " exists (-o replaces it)";
+            error = (folder / name).string() + " exists (--force replaces it)";
             return false;
         }
     }

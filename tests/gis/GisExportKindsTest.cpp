@@ -104,7 +104,7 @@ TEST(GisExportKindsTest, UndergroundArcsAndUnreadableValues) {
         << run.err;
 
     // Kept as arcs, the circle comes back whole: two half circles, area pi r^2.
-    run = kplan("export " + shellPath(kindsDrawing()) + " " + shellPath(out) + " -o --curves");
+    run = kplan("export " + shellPath(kindsDrawing()) + " " + shellPath(out) + " --force --curves");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     Json curved = readWithGdal(out);
     const Json& arc = layerNamed(curved, "planned_parcels")["features"][0]["geometry"];

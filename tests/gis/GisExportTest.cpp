@@ -208,7 +208,7 @@ TEST(GisExportFormats, BadRequestsWriteNothing) {
          "--curves needs a GeoPackage"},
         {shellPath(samplePlan()) + " " + shellPath(folder + "/a.geojson") + " --curves",
          "--curves needs a GeoPackage"},
-        {shellPath(samplePlan()) + " " + shellPath(existing), "exists (-o replaces it)"},
+        {shellPath(samplePlan()) + " " + shellPath(existing), "exists (--force replaces it)"},
         {shellPath(folder + "/missing.dxf") + " " + shellPath(folder + "/a.gpkg"), "missing.dxf"},
         {shellPath(emptyDrawing()) + " " + shellPath(folder + "/a.gpkg"), "no records to export"},
         {shellPath(samplePlan()) + " " + shellPath(folder + "/no/such/folder/a.gpkg"),

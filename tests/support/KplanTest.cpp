@@ -76,9 +76,13 @@ AcDbObjectId KplanTest::addAttributeBlock() {
     AcDbBlockTable* table = nullptr;
     EXPECT_EQ(database()->getBlockTable(table, AcDb::kForWrite), Acad::eOk);
     if (table == nullptr) return {};
+    AcDbObjectId id;
+    if (table->getAt(L"地块指标图则", id) == Acad::eOk) {
+        table->close();
+        return id;
+    }
     auto* block = new AcDbBlockTableRecord();
     block->setName(L"地块指标图则");
-    AcDbObjectId id;
     EXPECT_EQ(table->add(id, block), Acad::eOk);
     table->close();
     block->close();

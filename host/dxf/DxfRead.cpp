@@ -859,6 +859,12 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
     AcDbObjectId seqend;
     for (std::size_t o = first + 1; o < end; ++o) {
         parse(batch.object(o), child_);
+        // What follows an entity to its SEQEND is its own, whatever the file says (ezdxf
+        // names the layout); a different owner is written back as read.
+        if (child_.hasOwner && child_.owner != parsed.handle) {
+            child_.ownerAsRead = child_.owner;
+            child_.hasOwner = false;
+        }
         const Codec* childCodec = codec ? entityCodec(child_.type) : nullptr;
         AcDbObjectId childId = place(child_, true, parentId, childCodec);
         if (o + 1 == end) {

@@ -102,4 +102,41 @@ TEST_F(DxfAttributeTest, EzdxfReadsTheAttributes) {
               "ATTRIB DKXZ 'R21' 0 (102.0, 202.0)\n");
 }
 
+// ezdxf's own file: the block reference it wrote is read as one, with its attribute.
+TEST_F(DxfAttributeTest, AReferenceEzdxfWroteIsTyped) {
+    std::string error;
+    auto loaded = dxf::load(dxftest::ezdxfDrawings() + "/full_r2010.dxf", error);
+    ASSERT_TRUE(loaded) << error;
+    std::vector<std::wstring> found;
+    for (AcDbObjectId id : arx::peek<AcDbBlockTableRecord>(loaded->modelSpaceId())->entityIds()) {
+        auto* ref = arx::peek<AcDbBlockReference>(id);
+        if (ref == nullptr) continue;
+        found.push_back(arx::peek<AcDbBlockTableRecord>(ref->blockTableRecord())->nameText());
+        for (const Attribute& a : attributesOf(*ref))
+            found.push_back(a.tag + L"=" + a.text);
+        EXPECT_EQ(ref->position(), AcGePoint3d(10, 10, 0));
+    }
+    EXPECT_EQ(found, (std::vector<std::wstring>{L"标注块", L"编号=A-01"}));
+}
+
+// A reference to a block the file does not define stays as read, attributes and all.
+TEST_F(DxfAttributeTest, AReferenceToAnUnknownBlockIsKeptAsRead) {
+    drawBlockAndReference();
+    std::string text = dxftest::saveText(*database());
+    std::string name = "地块指标图则";
+    std::size_t insert = text.find("AcDbBlockReference");
+    ASSERT_NE(insert, std::string::npos);
+    std::size_t at = text.find(name, insert);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, name.size(), "无此块");
+    std::string error;
+    auto loaded = dxftest::loadText(text, error);
+    ASSERT_TRUE(loaded) << error;
+    for (AcDbObjectId id : arx::peek<AcDbBlockTableRecord>(loaded->modelSpaceId())->entityIds())
+        EXPECT_EQ(arx::peek<AcDbBlockReference>(id), nullptr);
+    EXPECT_EQ(dxftest::firstDifference(dxftest::normalizedTags(text),
+                                       dxftest::normalizedTags(dxftest::saveText(*loaded))),
+              "");
+}
+
 }  // namespace

@@ -11,6 +11,7 @@
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
 #include "cli/Output.h"
+#include "geometry/LabelPoint.h"
 #include "host/arx/dbhatch.h"
 #include "host/arx/peek.h"
 #include "record/DKBJXDInfo.h"
@@ -79,6 +80,10 @@ Cell hectares(double value) {
     return {jsonNumber(value), fixed(value, 4)};
 }
 
+Cell coordinate(double value) {
+    return {jsonNumber(value), fixed(value, 2)};
+}
+
 std::vector<std::size_t> tableColumns(const Listing& listing) {
     std::vector<std::size_t> shown;
     for (std::size_t c = 0; c < listing.columns.size(); ++c) {
@@ -130,7 +135,9 @@ void printJson(const Listing& listing) {
             const Column& column = listing.columns[c];
             const std::string& value = listing.rows[r][c].value;
             std::cout << (c ? ", " : "") << jsonString(column.key) << ": "
-                      << (column.number && !value.empty() ? value : jsonString(value));
+                      << (!column.number  ? jsonString(value)
+                          : value.empty() ? "null"
+                                          : value);
         }
         std::cout << "}";
     }
@@ -162,6 +169,9 @@ std::vector<Cell> parcelRow(AcDbObjectId id, const ParcelKind& kind, const Class
     }
     double area = 0;
     parcel.GetArea(area);
+    // Where a sibling module would place the parcel's label; empty when none is found.
+    AcGePoint3d label;
+    bool labelled = FGetCenterPt(id, label) != 0;
     return {plain(handleText(id)),
             plain(std::to_string(CheckDKDataVer(id))),
             plain(kind.name),
@@ -173,7 +183,9 @@ std::vector<Cell> parcelRow(AcDbObjectId id, const ParcelKind& kind, const Class
             plain(text(values[3])),
             plain(text(values[4])),
             plain(text(values[5])),
-            plain(text(values[6]))};
+            plain(text(values[6])),
+            labelled ? coordinate(label.x) : Cell{},
+            labelled ? coordinate(label.y) : Cell{}};
 }
 
 // The parcels to list by kind, narrowed by --number and --class.
@@ -214,13 +226,13 @@ Listing listParcels(const ListArgs& args, AcDbDatabase& database) {
     Listing listing;
     listing.one = "parcel";
     listing.many = "parcels";
-    const char* keys[] = {"handle",      "generation", "kind",         "number",
-                          "class",       "class_name", "area_ha",      "far",
-                          "green_ratio", "density",    "height_limit", "population"};
+    const char* keys[] = {"handle",       "generation", "kind",    "number",      "class",
+                          "class_name",   "area_ha",    "far",     "green_ratio", "density",
+                          "height_limit", "population", "label_x", "label_y"};
     for (const char* key : keys) {
         std::string k = key;
         // Indicators are right-aligned in the table but stay strings, as recorded.
-        bool number = k == "generation" || k == "area_ha";
+        bool number = k == "generation" || k == "area_ha" || k == "label_x" || k == "label_y";
         bool right = number || k == "far" || k == "green_ratio" || k == "density" ||
                      k == "height_limit" || k == "population";
         listing.columns.push_back({k, k, right, number});
@@ -447,6 +459,7 @@ void addListCommand(CLI::App& app, int& exitCode) {
                         "Only planned and current-status parcels whose class begins so");
     command->add_option("--number", args->number, "Only the parcels with this number");
     addStandardOptions(*command, args->standard);
+    addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, command, &exitCode] {
         args->hasClass = command->count("--class") > 0;
         args->hasNumber = command->count("--number") > 0;

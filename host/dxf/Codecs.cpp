@@ -13,6 +13,7 @@
 #include "host/arx/dbxrecrd.h"
 #include "host/arx/peek.h"
 #include "host/db/TextCodec.h"
+#include "host/dxf/AttributeCodecs.h"
 #include "host/dxf/FieldTable.h"
 
 namespace dxf {
@@ -141,7 +142,9 @@ const FieldTable& arcTable() {
     return table;
 }
 
-const FieldTable& textTable() {
+}  // namespace
+
+Subclass textSubclass() {
     Field text = textField(
         1, false, L"", [](const AcDbObject& o) { return static_cast<const AcDbText&>(o).text(); },
         [](AcDbObject& o, const std::wstring& s) {
@@ -157,6 +160,19 @@ const FieldTable& textTable() {
             return static_cast<AcDbText&>(o).setHorizontalMode(
                        static_cast<AcDb::TextHorzMode>(v)) == Acad::eOk;
         });
+    return {
+        "AcDbText",
+        {pointField<AcDbText>(10, &AcDbText::position, &AcDbText::setPosition),
+         realField<AcDbText>(40, &AcDbText::height, &AcDbText::setHeight), text,
+         angleField<AcDbText>(50, &AcDbText::rotation, &AcDbText::setRotation, true),
+         realField<AcDbText>(41, &AcDbText::widthFactor, &AcDbText::setWidthFactor, true, 1.0),
+         horizontal,
+         pointField<AcDbText>(11, &AcDbText::alignmentPoint, &AcDbText::setAlignmentPoint, true)}};
+}
+
+namespace {
+
+const FieldTable& textTable() {
     Field vertical = intField(
         73, true, 0,
         [](const AcDbObject& o, const WriteContext&) -> std::int64_t {
@@ -167,17 +183,7 @@ const FieldTable& textTable() {
             return static_cast<AcDbText&>(o).setVerticalMode(static_cast<AcDb::TextVertMode>(v)) ==
                    Acad::eOk;
         });
-    static const FieldTable table(
-        {entitySubclass(),
-         {"AcDbText",
-          {pointField<AcDbText>(10, &AcDbText::position, &AcDbText::setPosition),
-           realField<AcDbText>(40, &AcDbText::height, &AcDbText::setHeight), text,
-           angleField<AcDbText>(50, &AcDbText::rotation, &AcDbText::setRotation, true),
-           realField<AcDbText>(41, &AcDbText::widthFactor, &AcDbText::setWidthFactor, true, 1.0),
-           horizontal,
-           pointField<AcDbText>(11, &AcDbText::alignmentPoint, &AcDbText::setAlignmentPoint,
-                                true)}},
-         {"AcDbText", {vertical}}});
+    static const FieldTable table({entitySubclass(), textSubclass(), {"AcDbText", {vertical}}});
     return table;
 }
 
@@ -1306,6 +1312,9 @@ const std::vector<Codec>& entityCodecs() {
         KPLAN_TABLE_CODEC("POLYLINE", AcDb2dPolyline, polyline2dTable),
         KPLAN_TABLE_CODEC("VERTEX", AcDb2dVertex, vertexTable),
         KPLAN_TABLE_CODEC("SEQEND", AcDbSequenceEnd, seqendTable),
+        insertCodec(),
+        attribCodec(),
+        attdefCodec(),
     };
     return codecs;
 }

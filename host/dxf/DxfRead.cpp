@@ -6,6 +6,7 @@
 #include <system_error>
 #include <thread>
 
+#include "host/arx/dbblkref.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
@@ -13,6 +14,7 @@
 #include "host/db/GroupCode.h"
 #include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
+#include "host/dxf/AttributeCodecs.h"
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
 #include "host/dxf/DxfModel.h"
@@ -827,6 +829,15 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
             }
         }
     }
+    if (parsed.type == "INSERT" && codec != nullptr) {
+        // A reference to a block the drawing lacks, or one owning more than attributes,
+        // is kept as read.
+        if (insertedBlock(parsed, ctx_).isNull()) codec = nullptr;
+        for (std::size_t o = first + 1; o + 1 < end && codec != nullptr; ++o) {
+            parse(batch.object(o), child_);
+            if (child_.type != "ATTRIB") codec = nullptr;
+        }
+    }
     if (end - first == 1) return place(parsed, true, defaultOwner, codec);
     bool keptForNumbers = false;
     if (codec != nullptr && !treeNumbersOk(batch, first, end)) {
@@ -848,6 +859,12 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
     AcDbObjectId seqend;
     for (std::size_t o = first + 1; o < end; ++o) {
         parse(batch.object(o), child_);
+        // What follows an entity to its SEQEND is its own, whatever the file says (ezdxf
+        // names the layout); a different owner is written back as read.
+        if (child_.hasOwner && child_.owner != parsed.handle) {
+            child_.ownerAsRead = child_.owner;
+            child_.hasOwner = false;
+        }
         const Codec* childCodec = codec ? entityCodec(child_.type) : nullptr;
         AcDbObjectId childId = place(child_, true, parentId, childCodec);
         if (o + 1 == end) {
@@ -865,6 +882,8 @@ AcDbObjectId Loader::placeEntity(const EntityBatch& batch, std::size_t entity,
         kept.children.push_back(seqend);
     } else if (auto* pline = arx::peek<AcDb2dPolyline>(id)) {
         pline->restoreVertices(children, seqend);
+    } else if (auto* reference = arx::peek<AcDbBlockReference>(id)) {
+        reference->restoreAttributes(children, seqend);
     }
     return id;
 }

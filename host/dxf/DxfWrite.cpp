@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <unordered_set>
 
+#include "host/arx/dbblkref.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
@@ -65,6 +66,8 @@ class Saver {
 
     void writeObject(const AcDbObject& obj, const std::string* tableName = nullptr);
     void writeEntityTree(AcDbObjectId id);
+    void writeSequence(const AcDbEntity& owner, const std::vector<AcDbObjectId>& children,
+                       AcDbObjectId seqend);
     void writeHead(const AcDbObject& obj, std::string_view dxfName, const ObjectRecord* record,
                    const std::string* tableName);
     void writeTable(const std::string& name, AcDbObjectId head);
@@ -467,23 +470,33 @@ void Saver::writeTables() {
     out.text(0, "ENDSEC");
 }
 
+// The objects an entity owns and the SEQEND that ends them, made up when the owner
+// was built in memory without one.
+void Saver::writeSequence(const AcDbEntity& owner, const std::vector<AcDbObjectId>& children,
+                          AcDbObjectId seqend) {
+    for (AcDbObjectId child : children)
+        writeObject(*arx::peekObject(child));
+    if (live(seqend)) {
+        writeObject(*arx::peekObject(seqend));
+        return;
+    }
+    TagWriter& out = ctx_.out;
+    out.text(0, "SEQEND");
+    out.handle(5, fresh());
+    out.handle(330, owner.objectId().handle().value());
+    out.text(100, "AcDbEntity");
+    ctx_.text(8, owner.layerName());
+}
+
 void Saver::writeEntityTree(AcDbObjectId id) {
     if (!live(id)) return;
     const AcDbObject* obj = arx::peekObject(id);
     writeObject(*obj);
     if (auto* pline = AcDb2dPolyline::cast(obj)) {
-        for (AcDbObjectId v : pline->vertexIds())
-            writeObject(*arx::peekObject(v));
-        if (live(pline->sequenceEndId())) {
-            writeObject(*arx::peekObject(pline->sequenceEndId()));
-        } else {
-            TagWriter& out = ctx_.out;
-            out.text(0, "SEQEND");
-            out.handle(5, fresh());
-            out.handle(330, id.handle().value());
-            out.text(100, "AcDbEntity");
-            ctx_.text(8, pline->layerName());
-        }
+        writeSequence(*pline, pline->vertexIds(), pline->sequenceEndId());
+    } else if (auto* reference = AcDbBlockReference::cast(obj)) {
+        std::vector<AcDbObjectId> attributes = reference->attributeIds();
+        if (!attributes.empty()) writeSequence(*reference, attributes, reference->sequenceEndId());
     } else if (const ObjectRecord* record = ctx_.record(obj)) {
         for (AcDbObjectId child : record->children) {
             if (live(child)) writeObject(*arx::peekObject(child));

@@ -110,7 +110,7 @@ TEST(KplanBadNumberTest, StrictRefusesAndRecoverKeepsTheEntityAndSaysSo) {
                                   std::to_string(place.code) + ": " + value.problem + ", found \"" +
                                   value.text + "\"";
 
-            for (const char* command : {"stats", "info"}) {
+            for (const char* command : {"stats", "info", "list"}) {
                 Outcome strict = kplan(std::string(command) + " '" + path + "'");
                 EXPECT_EQ(strict.exitCode, 1) << command;
                 EXPECT_EQ(strict.err, "kplan: " + message + "\n") << command;
@@ -138,6 +138,9 @@ TEST(KplanBadNumberTest, StrictRefusesAndRecoverKeepsTheEntityAndSaysSo) {
                                      "above)\n"),
                       std::string::npos)
                 << stats.err;
+            Outcome list = kplan("list --recover '" + path + "'");
+            EXPECT_EQ(list.exitCode, 0) << list.err;
+            EXPECT_EQ(list.err, warning);
         }
     }
 }

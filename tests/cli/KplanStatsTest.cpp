@@ -224,6 +224,25 @@ TEST(KplanStatsTest, ListGivesOneRowPerParcel) {
     EXPECT_EQ(rows[0]["population"].string(), "100");
     EXPECT_EQ(rows[4]["kind"].string(), "current status");
     EXPECT_EQ(rows[4]["class"].string(), "R2");
+    // The label point of a rectangle is its centre: A-01 spans 10..60, the current-status
+    // parcel 10..50 by 70..90.
+    EXPECT_DOUBLE_EQ(rows[0]["label_x"].number(), X0 + 35);
+    EXPECT_DOUBLE_EQ(rows[0]["label_y"].number(), Y0 + 35);
+    EXPECT_DOUBLE_EQ(rows[4]["label_x"].number(), X0 + 30);
+    EXPECT_DOUBLE_EQ(rows[4]["label_y"].number(), Y0 + 80);
+
+    // The label point comes last, so scripts reading the older columns by place still work;
+    // the table rounds it to centimetres and aligns it right.
+    Outcome csv = kplan("list '" + drawing().path + "' --format csv");
+    ASSERT_EQ(csv.exitCode, 0) << csv.err;
+    EXPECT_EQ(csv.out.substr(0, csv.out.find('\r')),
+              "handle,generation,kind,number,class,class_name,area_ha,far,green_ratio,density,"
+              "height_limit,population,label_x,label_y");
+    Outcome table = kplan("list '" + drawing().path + "'");
+    ASSERT_EQ(table.exitCode, 0) << table.err;
+    std::string header = table.out.substr(0, table.out.find('\n'));
+    EXPECT_EQ(header.substr(header.size() - 21), "  label_x     label_y") << table.out;
+    EXPECT_NE(table.out.find("  100  500035.00  3500035.00\n"), std::string::npos) << table.out;
 
     struct Filter {
         std::string options;

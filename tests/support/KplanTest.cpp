@@ -1,6 +1,7 @@
 #include "tests/support/KplanTest.h"
 
 #include "host/arx/acedads.h"
+#include "host/arx/dbattr.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
@@ -69,6 +70,28 @@ AcDbObjectId KplanTest::addRectangle(double x0, double y0, double x1, double y1,
 
 AcDbObjectId KplanTest::addCircle(double x, double y, double radius, AcDbObjectId space) {
     return addEntity(new AcDbCircle({x, y, 0}, AcGeVector3d::kZAxis, radius), space);
+}
+
+AcDbObjectId KplanTest::addAttributeBlock() {
+    AcDbBlockTable* table = nullptr;
+    EXPECT_EQ(database()->getBlockTable(table, AcDb::kForWrite), Acad::eOk);
+    if (table == nullptr) return {};
+    AcDbObjectId id;
+    if (table->getAt(L"地块指标图则", id) == Acad::eOk) {
+        table->close();
+        return id;
+    }
+    auto* block = new AcDbBlockTableRecord();
+    block->setName(L"地块指标图则");
+    EXPECT_EQ(table->add(id, block), Acad::eOk);
+    table->close();
+    block->close();
+    addRectangle(0, 0, 10, 5, id);
+    auto* number = new AcDbAttributeDefinition({1, 3, 0}, L"", L"DKBH", L"地块编号");
+    number->setPreset(true);
+    addEntity(number, id);
+    addEntity(new AcDbAttributeDefinition({1, 1, 0}, L"R2", L"DKXZ", L"地块类别"), id);
+    return id;
 }
 
 void KplanTest::registerApp(const ACHAR* name) {

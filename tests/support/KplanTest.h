@@ -40,6 +40,10 @@ class KplanTest : public ::testing::Test {
     AcDbObjectId addCircle(double x, double y, double radius, AcDbObjectId space = {});
     // Adds any new entity to a space and closes it; the id, or null on failure.
     AcDbObjectId addEntity(AcDbEntity* entity, AcDbObjectId space = {});
+    // The block "地块指标图则": a 10 x 5 frame and the attribute definitions of a parcel
+    // number (tag "DKBH", prompt "地块编号", preset, at (1, 3)) and class ("DKXZ",
+    // "地块类别", default "R2", at (1, 1)); its id. Defined once: later calls give it again.
+    AcDbObjectId addAttributeBlock();
     // Registers an application name in the drawing's APPID table.
     void registerApp(const ACHAR* name);
 

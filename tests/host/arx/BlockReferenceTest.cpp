@@ -11,29 +11,10 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
-class BlockReferenceTest : public KplanTest {
-  protected:
-    // A block "地块指标图则" of a 10 x 5 frame and two attribute definitions.
-    AcDbObjectId defineBlock() {
-        AcDbBlockTable* table = nullptr;
-        EXPECT_EQ(database()->getBlockTable(table, AcDb::kForWrite), Acad::eOk);
-        auto* block = new AcDbBlockTableRecord();
-        block->setName(L"地块指标图则");
-        AcDbObjectId id;
-        EXPECT_EQ(table->add(id, block), Acad::eOk);
-        table->close();
-        block->close();
-        addRectangle(0, 0, 10, 5, id);
-        auto* number = new AcDbAttributeDefinition({1, 3, 0}, L"", L"DKBH", L"地块编号");
-        number->setPreset(true);
-        addEntity(number, id);
-        addEntity(new AcDbAttributeDefinition({1, 1, 0}, L"R2", L"DKXZ", L"地块类别"), id);
-        return id;
-    }
-};
+class BlockReferenceTest : public KplanTest {};
 
 TEST_F(BlockReferenceTest, AttributesBelongToTheirReference) {
-    AcDbObjectId block = defineBlock();
+    AcDbObjectId block = addAttributeBlock();
     auto* ref = new AcDbBlockReference({100, 200, 0}, block);
     auto* number = new AcDbAttribute({101, 203, 0}, L"A-01", L"DKBH");
     number->setInvisible(true);
@@ -102,7 +83,7 @@ TEST_F(BlockReferenceTest, AttributesBelongToTheirReference) {
 }
 
 TEST_F(BlockReferenceTest, ExtentsArePlacedByTheReference) {
-    AcDbObjectId block = defineBlock();
+    AcDbObjectId block = addAttributeBlock();
     auto* ref = new AcDbBlockReference({100, 200, 0}, block);
     ref->setScaleFactors(AcGeScale3d(2));  // before it is added: allowed
     ref->setRotation(kPi / 2);

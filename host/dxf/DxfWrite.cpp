@@ -146,10 +146,22 @@ void Saver::writeHeader() {
     out.text(0, "SECTION");
     out.text(2, "HEADER");
     bool wroteVersion = false, wroteSeed = false;
+    // A file that named no code page was read with one decided from its text; a reader of the
+    // copy must not fall back to the DXF default ANSI_1252 where that decision said otherwise.
+    bool declaresCodePage = false;
+    if (file_ && file_->hasHeader)
+        for (const AcDbRawTag& t : file_->header)
+            if (t.code == 9 && t.value == "$DWGCODEPAGE") declaresCodePage = true;
+    const std::string& codePage = ctx_.strings.codePage();
     auto writeVersion = [&] {
         out.text(9, "$ACADVER");
         out.text(1, version_);
         wroteVersion = true;
+        if (file_ && file_->hasHeader && !declaresCodePage && !codePage.empty() &&
+            codePage != "ANSI_1252") {
+            out.text(9, "$DWGCODEPAGE");
+            out.text(3, codePage);
+        }
     };
     auto writeSeed = [&] {
         out.text(9, "$HANDSEED");

@@ -444,6 +444,46 @@ TEST(DxfLosslessTest, CodePageOfAFileThatNamesNoneComesFromItsText) {
     EXPECT_EQ(error, "test.dxf: unknown code page \"ANSI_99999\"");
 }
 
+// The copy of such a file names the code page it was read with, so that a reader that takes
+// the DXF default (ezdxf) reads the same text from it; a Western one stays as it was.
+TEST(DxfLosslessTest, CopyOfAFileThatNamesNoCodePageNamesTheOneDecided) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        bool declared;
+        std::wstring expected;
+    } cases[] = {
+        {"Chinese in GBK", "\xB5\xD8\xBF\xE9", true, L"\u5730\u5757"},
+        {"Western", "caf\xE9", false, L"caf\u00E9"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::string file = text(join({section("HEADER", {{9, "$ACADVER"}, {1, "AC1015"}}),
+                                      section("ENTITIES", {{0, "TEXT"},
+                                                           {5, "A1"},
+                                                           {8, "0"},
+                                                           {10, "0"},
+                                                           {20, "0"},
+                                                           {30, "0"},
+                                                           {40, "1"},
+                                                           {1, c.bytes}}),
+                                      {{0, "EOF"}}}));
+        std::string error;
+        auto database = dxftest::loadText(file, error);
+        ASSERT_TRUE(database) << error;
+        std::string saved = dxftest::saveText(*database, "AC1015");
+        EXPECT_EQ(saved.find("$DWGCODEPAGE\n  3\nANSI_936\n") != std::string::npos, c.declared);
+        EXPECT_EQ(saved.find("$DWGCODEPAGE") != std::string::npos, c.declared);
+        auto again = dxftest::loadText(saved, error);
+        ASSERT_TRUE(again) << error;
+        auto* space = arx::peek<AcDbBlockTableRecord>(again->modelSpaceId());
+        ASSERT_EQ(space->entityIds().size(), 1u);
+        auto* textEntity = AcDbText::cast(arx::peekObject(space->entityIds()[0]));
+        ASSERT_TRUE(textEntity);
+        EXPECT_EQ(textEntity->text(), c.expected);
+    }
+}
+
 }  // namespace
 
 namespace {

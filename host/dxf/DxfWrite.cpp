@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -141,6 +143,17 @@ void Saver::plan() {
     handseed_ = nextHandle_ + needed;
 }
 
+namespace {
+
+bool sameCodePage(const std::string& a, const std::string& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::toupper(static_cast<unsigned char>(x)) ==
+               std::toupper(static_cast<unsigned char>(y));
+    });
+}
+
+}  // namespace
+
 void Saver::writeHeader() {
     TagWriter& out = ctx_.out;
     out.text(0, "SECTION");
@@ -182,6 +195,15 @@ void Saver::writeHeader() {
                 if (name == "$HANDSEED") {
                     if (!wroteVersion) writeVersion();
                     writeSeed();
+                    ++i;
+                    continue;
+                }
+                // --codepage overrode what the file declares: the strings are written in that one.
+                if (name == "$DWGCODEPAGE" && !codePage.empty() &&
+                    !sameCodePage(tags[i + 1].value, codePage)) {
+                    if (!wroteVersion) writeVersion();
+                    out.text(9, name);
+                    out.text(3, codePage);
                     ++i;
                     continue;
                 }

@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -144,15 +146,38 @@ void Saver::plan() {
     handseed_ = nextHandle_ + needed;
 }
 
+namespace {
+
+bool sameCodePage(const std::string& a, const std::string& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::toupper(static_cast<unsigned char>(x)) ==
+               std::toupper(static_cast<unsigned char>(y));
+    });
+}
+
+}  // namespace
+
 void Saver::writeHeader() {
     TagWriter& out = ctx_.out;
     out.text(0, "SECTION");
     out.text(2, "HEADER");
     bool wroteVersion = false, wroteSeed = false;
+    // A file that named no code page was read with one decided from its text; a reader of the
+    // copy must not fall back to the DXF default ANSI_1252 where that decision said otherwise.
+    bool declaresCodePage = false;
+    if (file_ && file_->hasHeader)
+        for (const AcDbRawTag& t : file_->header)
+            if (t.code == 9 && t.value == "$DWGCODEPAGE") declaresCodePage = true;
+    const std::string& codePage = ctx_.strings.codePage();
     auto writeVersion = [&] {
         out.text(9, "$ACADVER");
         out.text(1, version_);
         wroteVersion = true;
+        if (file_ && file_->hasHeader && !declaresCodePage && !codePage.empty() &&
+            codePage != "ANSI_1252") {
+            out.text(9, "$DWGCODEPAGE");
+            out.text(3, codePage);
+        }
     };
     auto writeSeed = [&] {
         out.text(9, "$HANDSEED");
@@ -173,6 +198,15 @@ void Saver::writeHeader() {
                 if (name == "$HANDSEED") {
                     if (!wroteVersion) writeVersion();
                     writeSeed();
+                    ++i;
+                    continue;
+                }
+                // --codepage overrode what the file declares: the strings are written in that one.
+                if (name == "$DWGCODEPAGE" && !codePage.empty() &&
+                    !sameCodePage(tags[i + 1].value, codePage)) {
+                    if (!wroteVersion) writeVersion();
+                    out.text(9, name);
+                    out.text(3, codePage);
                     ++i;
                     continue;
                 }

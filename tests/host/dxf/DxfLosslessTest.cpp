@@ -444,6 +444,57 @@ TEST(DxfLosslessTest, CodePageOfAFileThatNamesNoneComesFromItsText) {
     EXPECT_EQ(error, "test.dxf: unknown code page \"ANSI_99999\"");
 }
 
+// The copy of such a file names the code page it was read with, so that a reader that takes
+// the DXF default (ezdxf) reads the same text from it; a Western one stays as it was.
+TEST(DxfLosslessTest, CopyOfAFileThatNamesNoCodePageNamesTheOneDecided) {
+    struct Case {
+        const char* what;
+        std::string declared;  // the file's $DWGCODEPAGE, if any
+        std::string option;
+        std::string bytes;
+        std::string written;  // the copy's $DWGCODEPAGE, if any
+        std::wstring expected;
+    } cases[] = {
+        {"Chinese in GBK", "", "", "\xB5\xD8\xBF\xE9", "ANSI_936", L"\u5730\u5757"},
+        {"Western", "", "", "caf\xE9", "", L"caf\u00E9"},
+        {"declared, as read", "ansi_936", "", "\xB5\xD8", "ansi_936", L"\u5730"},
+        {"declared, overridden", "ANSI_1252", "ANSI_936", "\xB5\xD8", "ANSI_936", L"\u5730"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Tags header = {{9, "$ACADVER"}, {1, "AC1015"}};
+        if (!c.declared.empty())
+            header.insert(header.end(), {{9, "$DWGCODEPAGE"}, {3, c.declared}});
+        std::string file = text(join({section("HEADER", header),
+                                      section("ENTITIES", {{0, "TEXT"},
+                                                           {5, "A1"},
+                                                           {8, "0"},
+                                                           {10, "0"},
+                                                           {20, "0"},
+                                                           {30, "0"},
+                                                           {40, "1"},
+                                                           {1, c.bytes}}),
+                                      {{0, "EOF"}}}));
+        std::string error;
+        dxf::ReadOptions options;
+        options.codePage = c.option;
+        auto database = dxftest::loadText(file, error, options);
+        ASSERT_TRUE(database) << error;
+        std::string saved = dxftest::saveText(*database, "AC1015");
+        if (c.written.empty())
+            EXPECT_EQ(saved.find("$DWGCODEPAGE"), std::string::npos);
+        else
+            EXPECT_NE(saved.find("$DWGCODEPAGE\n  3\n" + c.written + "\n"), std::string::npos);
+        auto again = dxftest::loadText(saved, error);
+        ASSERT_TRUE(again) << error;
+        auto* space = arx::peek<AcDbBlockTableRecord>(again->modelSpaceId());
+        ASSERT_EQ(space->entityIds().size(), 1u);
+        auto* textEntity = AcDbText::cast(arx::peekObject(space->entityIds()[0]));
+        ASSERT_TRUE(textEntity);
+        EXPECT_EQ(textEntity->text(), c.expected);
+    }
+}
+
 }  // namespace
 
 namespace {

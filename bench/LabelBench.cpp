@@ -5,7 +5,6 @@
 // Goal: 100,000 parcels in under a second.
 #include <benchmark/benchmark.h>
 
-
 #include "bench/StatsDrawing.h"
 #include "geometry/LabelPoint.h"
 #include "geometry/OptimalPoint.h"

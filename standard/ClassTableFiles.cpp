@@ -4,12 +4,13 @@
 
 #include "host/kova/KovaDataSet.h"
 #include "standard/ClassTableCache.h"
+#include "standard/StandardFolders.h"
 
 namespace classtable {
 
 namespace {
 
-const wchar_t* const kClassDir = L"用地分类\\";
+using namespace standard_folders;
 
 CString fileOf(Source source) {
     switch (source) {

@@ -5,12 +5,12 @@
 #include "host/kova/fgdutil.h"
 #include "standard/ClassTableCache.h"
 #include "standard/ClassTableLine.h"
+#include "standard/StandardFolders.h"
 
 namespace {
 
-const wchar_t* const kClassDir = L"用地分类\\";
-const wchar_t* const kParamDir = L"参数配置\\";
-const wchar_t* const kFacilityDir = L"配套公建\\";
+using namespace standard_folders;
+
 const wchar_t* const kLayerSection = L"用地图层前后缀";
 const wchar_t* const kDefaultTypeCode = L"KG";
 const wchar_t* const kDefaultTypeName = L"控制性详细规划";

@@ -8,12 +8,12 @@
 #include "host/kova/fgbfile.h"
 #include "host/kova/fgdutil.h"
 #include "standard/KovaAttribSet.h"
+#include "standard/StandardFolders.h"
 
 namespace {
 
-const wchar_t* const kParamDir = L"参数配置\\";
-const wchar_t* const kFacilityDir = L"配套公建\\";
-const wchar_t* const kRoadFacilityDir = L"道路配套设施\\";
+using namespace standard_folders;
+
 const wchar_t* const kRegister = L"FAppDataSet.ini";
 const wchar_t* const kFacilityTable = L"分类要素对应表_配套设施.ini";
 

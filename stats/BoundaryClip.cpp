@@ -564,12 +564,12 @@ int BoundaryClip::classifyNow(AcDbObjectId curve, std::vector<double>& pieces) {
     Workspace& ws = main_;
     if (!kova::ent::GetCurveParam(curve, ws.raw, ws.bulges)) return -1;
     lastRead_ = true;
-    bool far = false;
-    int overlap = place(ws, far);
+    bool clearOfEdges = false;
+    int overlap = place(ws, clearOfEdges);
     if (overlap == kClip) {
         double ownArea = 0;
-        if (!far) kova::ent::GetArea(curve, ownArea);
-        overlap = finish(ws, far, ownArea, pieces);
+        if (!clearOfEdges) kova::ent::GetArea(curve, ownArea);
+        overlap = finish(ws, clearOfEdges, ownArea, pieces);
         if (overlap == kNeedArea) {
             kova::ent::GetArea(curve, ownArea);
             overlap = clip(ws, ownArea, pieces);
@@ -579,8 +579,8 @@ int BoundaryClip::classifyNow(AcDbObjectId curve, std::vector<double>& pieces) {
     return overlap;
 }
 
-int BoundaryClip::place(Workspace& ws, bool& far) const {
-    far = false;
+int BoundaryClip::place(Workspace& ws, bool& clearOfEdges) const {
+    clearOfEdges = false;
     if (edges_.empty() || ws.raw.length() == 0) return kClip;
     // Extents of the curve with its arcs, which hold every chord of them: a curve that no
     // edge of the boundary comes near needs no approximating to be placed.
@@ -603,14 +603,14 @@ int BoundaryClip::place(Workspace& ws, bool& far) const {
         double own = kova::geo::GetPolyArea(ws.raw, ws.bulges);
         if (own - loss > 1.0 && loss < kSameAreaTolerance - 0.5) return 0;
     }
-    far = true;
+    clearOfEdges = true;
     return kClip;
 }
 
-int BoundaryClip::finish(Workspace& ws, bool far, double ownArea,
+int BoundaryClip::finish(Workspace& ws, bool clearOfEdges, double ownArea,
                          std::vector<double>& pieces) const {
     MakeOutline(ws.raw, ws.bulges, ws.outline, ws.chords);
-    if (!far) return clip(ws, ownArea, pieces);
+    if (!clearOfEdges) return clip(ws, ownArea, pieces);
     if (simpleOutline(ws)) {
         // The curve's own area from the outline already read, as the host computes it for
         // a polyline (and to within rounding for a circle): the margins below leave room
@@ -629,7 +629,7 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
         std::size_t index;
         AcGePoint3dArray raw;
         AcGeDoubleArray bulges;
-        bool far;
+        bool clearOfEdges;
         double ownArea;
         int overlap = kClip;
     };
@@ -648,7 +648,7 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
         ws.raw = job.raw;
         ws.bulges = job.bulges;
         try {
-            job.overlap = finish(ws, job.far, job.ownArea, answers[job.index].pieces);
+            job.overlap = finish(ws, job.clearOfEdges, job.ownArea, answers[job.index].pieces);
         } catch (...) {
             job.overlap = kClip;  // worked again below, on this thread
         }
@@ -710,12 +710,12 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
         }
         if (!readable_ || !kova::ent::GetCurveParam(curve, main_.raw, main_.bulges)) continue;
         answer.read = true;
-        bool far = false;
-        answer.overlap = place(main_, far);
+        bool clearOfEdges = false;
+        answer.overlap = place(main_, clearOfEdges);
         if (answer.overlap != kClip) continue;
         double ownArea = 0;
-        if (!far) kova::ent::GetArea(curve, ownArea);
-        jobs.push_back({i, main_.raw, main_.bulges, far, ownArea});
+        if (!clearOfEdges) kova::ent::GetArea(curve, ownArea);
+        jobs.push_back({i, main_.raw, main_.bulges, clearOfEdges, ownArea});
         {
             std::lock_guard<std::mutex> lock(mutex);
             published.store(jobs.size(), std::memory_order_release);
@@ -736,7 +736,7 @@ void BoundaryClip::classifyMany(const AcDbObjectIdArray& curves, std::vector<Ans
             // Finished here as classify would: the curve's own area read when it is needed.
             main_.raw = job.raw;
             main_.bulges = job.bulges;
-            job.overlap = finish(main_, job.far, job.ownArea, answer.pieces);
+            job.overlap = finish(main_, job.clearOfEdges, job.ownArea, answer.pieces);
             if (job.overlap == kNeedArea) {
                 kova::ent::GetArea(curves[static_cast<int>(job.index)], job.ownArea);
                 job.overlap = clip(main_, job.ownArea, answer.pieces);
@@ -767,9 +767,9 @@ bool BoundaryClip::simpleOutline(Workspace& ws) const {
 
 int BoundaryClip::clip(Workspace& ws, double ownArea, std::vector<double>& pieces) const {
     ++ws.clips;
-    std::optional<std::vector<double>> near = intersectNear(ws, ws.outline);
-    if (near) {
-        pieces = std::move(*near);
+    std::optional<std::vector<double>> nearPieces = intersectNear(ws, ws.outline);
+    if (nearPieces) {
+        pieces = std::move(*nearPieces);
     } else {
         ++ws.fullClips;
         pieces = intersect(ws.outline);

@@ -103,11 +103,11 @@ class BoundaryClip {
     bool inside(const gpc_vertex& point) const;
     int classifyNow(AcDbObjectId curve, std::vector<double>& pieces);
     // The answer from the curve read into ws.raw and ws.bulges where its extents give it,
-    // else kClip, with far set when no edge of the boundary comes near the curve.
-    int place(Workspace& ws, bool& far) const;
-    // The rest, touching nothing of the drawing: ownArea is read already unless far, when
-    // kNeedArea asks for it.
-    int finish(Workspace& ws, bool far, double ownArea, std::vector<double>& pieces) const;
+    // else kClip, with clearOfEdges set when no edge of the boundary comes near the curve.
+    int place(Workspace& ws, bool& clearOfEdges) const;
+    // The rest, touching nothing of the drawing: ownArea is read already unless
+    // clearOfEdges, when kNeedArea asks for it.
+    int finish(Workspace& ws, bool clearOfEdges, double ownArea, std::vector<double>& pieces) const;
     // Whether ws.outline, made of ws.raw, has no crossing or touching of its own.
     bool simpleOutline(Workspace& ws) const;
     // The clip of ws.outline: -1 when nothing is left, else 0 or 1 as classify says.

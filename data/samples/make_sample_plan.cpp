@@ -54,7 +54,7 @@ struct ClassInfo {
     const wchar_t* layerCode;  // a layer name cannot hold "/": a compound class uses its first
     unsigned char red, green, blue;
     // Default indicators, null where the class carries none.
-    const wchar_t* far;
+    const wchar_t* floorAreaRatio;
     const wchar_t* greenRatio;
     const wchar_t* density;
     const wchar_t* height;
@@ -126,7 +126,7 @@ enum class Generation { Current, Second, First };
 struct Plot {
     double u0 = 0, u1 = 1;  // share of the block's width, west to east
     const wchar_t* cls = nullptr;
-    const wchar_t* far = nullptr;  // the class default when null
+    const wchar_t* floorAreaRatio = nullptr;  // the class default when null
     const wchar_t* height = nullptr;
     const wchar_t* remark = nullptr;
     const wchar_t* facilities = nullptr;
@@ -134,7 +134,7 @@ struct Plot {
     bool holdsSubstation = false;
 
     Plot& withFar(const wchar_t* value) {
-        far = value;
+        floorAreaRatio = value;
         return *this;
     }
     Plot& withHeight(const wchar_t* value) {
@@ -878,19 +878,19 @@ class SamplePlan {
         if (!kova::ent::GetArea(id, area)) return fail("no area for " + utf8(number));
 
         // The record's area is the outline's own, islands included: they carry theirs.
-        const wchar_t* far = p.far ? p.far : c->far;
+        const wchar_t* floorAreaRatio = p.floorAreaRatio ? p.floorAreaRatio : c->floorAreaRatio;
         std::wstring entered = whole(area);
         std::vector<std::pair<const wchar_t*, std::wstring>> fields = {
             {dk::FS_DKBH, number}, {dk::FS_DKXZ, c->code}, {dk::FS_XZMC, c->name}};
-        if (far) {
-            fields.push_back({dk::FD_RJL, far});
+        if (floorAreaRatio) {
+            fields.push_back({dk::FD_RJL, floorAreaRatio});
             fields.push_back({dk::FD_LDL, c->greenRatio});
             fields.push_back({dk::FD_JZMD, c->density});
             fields.push_back({dk::FD_JZXG, p.height ? p.height : c->height});
         }
         fields.push_back({dk::FD_YDMJ, entered});
-        if (far) {
-            double floor = std::round(area) * std::wcstod(far, nullptr);
+        if (floorAreaRatio) {
+            double floor = std::round(area) * std::wcstod(floorAreaRatio, nullptr);
             fields.push_back({dk::FD_JZMJ, whole(floor)});
             if (c->housingShare > 0) {
                 // 100 m² a household, 2.8 people a household.
@@ -919,7 +919,8 @@ class SamplePlan {
         }
         if (!written) return fail("cannot write the record of " + utf8(number));
         Pt middle = centroid(outline);
-        double floorArea = far ? std::round(area) * std::wcstod(far, nullptr) : 0;
+        double floorArea =
+            floorAreaRatio ? std::round(area) * std::wcstod(floorAreaRatio, nullptr) : 0;
         double people = 0;
         for (const auto& [key, value] : fields) {
             if (std::wstring(key) == dk::FN_ZRKS) people = std::wcstod(value.c_str(), nullptr);

@@ -578,6 +578,17 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
         return false;
     }
     const OGRSpatialReference* crs = options.crs.empty() ? nullptr : &srs;
+    // The class table answers from its file each time: a drawing has few classes and many
+    // parcels, so each code is asked once.
+    ExportOptions layerOptions = options;
+    if (options.className) {
+        layerOptions.className = [names = std::unordered_map<std::string, std::string>(),
+                                  &options](const std::string& code) mutable {
+            auto known = names.find(code);
+            if (known == names.end()) known = names.emplace(code, options.className(code)).first;
+            return known->second;
+        };
+    }
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (oneFile && i > 0) break;
         std::string file = (staging.path() / names[i]).string();
@@ -589,7 +600,8 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
         }
         std::size_t first = oneFile ? 0 : i, last = oneFile ? outputs.size() : i + 1;
         for (std::size_t l = first; l < last; ++l) {
-            if (!writeLayer(*dataset, outputs[l], crs, options, path, summary, error)) return false;
+            if (!writeLayer(*dataset, outputs[l], crs, layerOptions, path, summary, error))
+                return false;
         }
         CPLErrorReset();
         GDALClose(dataset.release());

@@ -3,6 +3,7 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <cmath>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -239,15 +240,15 @@ std::unique_ptr<OGRGeometry> geometryOf(const ExportLayer& layer, AcDbObjectId i
         return line;
     }
     auto polygon = std::make_unique<OGRPolygon>();
-    OGRLinearRing outer;
-    if (!outlineRing(id, outer)) return nullptr;
-    polygon->addRing(&outer);
+    auto outer = std::make_unique<OGRLinearRing>();
+    if (!outlineRing(id, *outer)) return nullptr;
+    polygon->addRingDirectly(outer.release());
     if (layer.kind == LayerKind::Parcel) {
         AcDbObjectIdArray islands;
         CDKBJXDInfo(id).GetIsland(islands);
         for (AcDbObjectId island : islands) {
-            OGRLinearRing hole;
-            if (outlineRing(island, hole)) polygon->addRing(&hole);
+            auto hole = std::make_unique<OGRLinearRing>();
+            if (outlineRing(island, *hole)) polygon->addRingDirectly(hole.release());
         }
     }
     return polygon;
@@ -360,6 +361,17 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
     for (std::size_t f = 0; f < output.fields.size(); ++f)
         position.emplace(output.fields[f].name, f);
     std::vector<const std::string*> recorded(output.fields.size());
+    // What fills each field, settled once rather than by its name for every feature; the
+    // generation and area go in as numbers, not through text.
+    enum class Role { Handle, Generation, Area, ClassName, Recorded };
+    std::vector<Role> roles;
+    for (const Field& field : output.fields) {
+        roles.push_back(field.name == "handle"       ? Role::Handle
+                        : field.name == "generation" ? Role::Generation
+                        : field.name == "area_ha"    ? Role::Area
+                        : field.name == "class_name" ? Role::ClassName
+                                                     : Role::Recorded);
+    }
     FeatureWriter writer(*out);
     for (const Feature& feature : output.features) {
         std::fill(recorded.begin(), recorded.end(), nullptr);
@@ -374,20 +386,49 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
         auto made = std::make_unique<OGRFeature>(out->GetLayerDefn());
         OGRFeature& row = *made;
         row.SetGeometryDirectly(geometry.release());
+        auto refuse = [&](const Field& field, const std::string& value) {
+            summary.warnings.push_back(layer.name + ": " + handleOf(feature.id) + " " + field.name +
+                                       " = \"" + value + "\" is not a " +
+                                       (field.type == FieldType::Real ? "number" : "whole number") +
+                                       "; left empty");
+        };
         for (std::size_t f = 0; f < output.fields.size(); ++f) {
             const Field& field = output.fields[f];
             std::string value;
-            if (field.name == "handle") {
-                value = handleOf(feature.id);
-            } else if (field.name == "generation") {
-                value = std::to_string(CheckDKDataVer(feature.id));
-            } else if (field.name == "area_ha") {
-                value = realText(areaOf(layer, feature.id));
-            } else if (field.name == "class_name") {
-                std::string code = classCode(layer, feature.values);
-                value = options.className && !code.empty() ? options.className(code) : "";
-            } else if (recorded[f] != nullptr) {
-                value = *recorded[f];
+            switch (roles[f]) {
+                case Role::Handle:
+                    value = handleOf(feature.id);
+                    break;
+                case Role::Generation: {
+                    int generation = CheckDKDataVer(feature.id);
+                    if (field.type != FieldType::Integer) {
+                        value = std::to_string(generation);
+                        break;
+                    }
+                    row.SetField(index[f], static_cast<GIntBig>(generation));
+                    continue;
+                }
+                case Role::Area: {
+                    double area = areaOf(layer, feature.id);
+                    if (field.type != FieldType::Real) {
+                        value = realText(area);
+                        break;
+                    }
+                    if (std::isfinite(area)) {
+                        row.SetField(index[f], area);
+                    } else {
+                        refuse(field, realText(area));
+                    }
+                    continue;
+                }
+                case Role::ClassName: {
+                    std::string code = classCode(layer, feature.values);
+                    if (options.className && !code.empty()) value = options.className(code);
+                    break;
+                }
+                case Role::Recorded:
+                    if (recorded[f] != nullptr) value = *recorded[f];
+                    break;
             }
             if (value.empty()) continue;
             double real = 0;
@@ -399,10 +440,7 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
             } else if (field.type == FieldType::Integer && parseInteger(value, whole)) {
                 row.SetField(index[f], static_cast<GIntBig>(whole));
             } else {
-                summary.warnings.push_back(
-                    layer.name + ": " + handleOf(feature.id) + " " + field.name + " = \"" + value +
-                    "\" is not a " + (field.type == FieldType::Real ? "number" : "whole number") +
-                    "; left empty");
+                refuse(field, value);
             }
         }
         if (!writer.put(std::move(made))) break;

@@ -13,30 +13,17 @@ namespace {
 template <typename T>
 Field intOf(int code, std::int64_t fallback, std::int64_t (*get)(const T&),
             bool (*set)(T&, std::int64_t)) {
-    Field f;
-    f.code = code;
-    f.kind = FieldKind::Int;
-    f.hasDefault = true;
-    f.fallback.integer = fallback;
-    f.get = [get](const AcDbObject& o, FieldValue& v, const WriteContext&) {
-        v.integer = get(static_cast<const T&>(o));
-    };
-    f.set = [set](AcDbObject& o, const FieldValue& v) {
-        return set(static_cast<T&>(o), v.integer);
-    };
-    return f;
+    return intField(
+        code, true, fallback,
+        [get](const AcDbObject& o, const WriteContext&) { return get(static_cast<const T&>(o)); },
+        [set](AcDbObject& o, std::int64_t v) { return set(static_cast<T&>(o), v); });
 }
 
 template <typename T>
 Field textOf(int code, std::wstring (*get)(const T&), bool (*set)(T&, const std::wstring&)) {
-    Field f;
-    f.code = code;
-    f.kind = FieldKind::Text;
-    f.get = [get](const AcDbObject& o, FieldValue& v, const WriteContext&) {
-        v.text = get(static_cast<const T&>(o));
-    };
-    f.set = [set](AcDbObject& o, const FieldValue& v) { return set(static_cast<T&>(o), v.text); };
-    return f;
+    return textField(
+        code, false, L"", [get](const AcDbObject& o) { return get(static_cast<const T&>(o)); },
+        [set](AcDbObject& o, const std::wstring& v) { return set(static_cast<T&>(o), v); });
 }
 
 // Tag, flags, field length and vertical alignment: what ATTRIB and ATTDEF share after

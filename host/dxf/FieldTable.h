@@ -72,6 +72,34 @@ class FieldTable {
 };
 
 // Helpers that make fields from getters and setters of the host classes.
+inline Field intField(int code, bool hasDefault, std::int64_t fallback,
+                      std::function<std::int64_t(const AcDbObject&, const WriteContext&)> get,
+                      std::function<bool(AcDbObject&, std::int64_t)> set) {
+    Field f;
+    f.code = code;
+    f.kind = FieldKind::Int;
+    f.hasDefault = hasDefault;
+    f.fallback.integer = fallback;
+    f.get = [get](const AcDbObject& o, FieldValue& v, const WriteContext& ctx) {
+        v.integer = get(o, ctx);
+    };
+    f.set = [set](AcDbObject& o, const FieldValue& v) { return set(o, v.integer); };
+    return f;
+}
+
+inline Field textField(int code, bool hasDefault, std::wstring fallback,
+                       std::function<std::wstring(const AcDbObject&)> get,
+                       std::function<bool(AcDbObject&, const std::wstring&)> set) {
+    Field f;
+    f.code = code;
+    f.kind = FieldKind::Text;
+    f.hasDefault = hasDefault;
+    f.fallback.text = std::move(fallback);
+    f.get = [get](const AcDbObject& o, FieldValue& v, const WriteContext&) { v.text = get(o); };
+    f.set = [set](AcDbObject& o, const FieldValue& v) { return set(o, v.text); };
+    return f;
+}
+
 template <typename T>
 Field realField(int code, double (T::*get)() const, Acad::ErrorStatus (T::*set)(double),
                 bool hasDefault = false, double fallback = 0) {

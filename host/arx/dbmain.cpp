@@ -545,6 +545,18 @@ Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility visibility, bool) {
     return Acad::eOk;
 }
 
+Acad::ErrorStatus AcDbEntity::highlight() const {
+    if (database() == nullptr) return Acad::eNotInDatabase;
+    database()->setHighlighted(objectId(), true);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::unhighlight() const {
+    if (database() == nullptr) return Acad::eNotInDatabase;
+    database()->setHighlighted(objectId(), false);
+    return Acad::eOk;
+}
+
 ACHAR* AcDbEntity::linetype() const {
     return acutNewString(linetype_.c_str());
 }
@@ -740,6 +752,21 @@ Acad::ErrorStatus AcDbDatabase::getLinetypeTable(AcDbLinetypeTable*& table, AcDb
 Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dict,
                                                           AcDb::OpenMode mode) {
     return acdbOpenObject(dict, namedObjects_, mode);
+}
+
+AcDbObjectId AcDbDatabase::continuousLinetype() const {
+    auto* linetypes = arx::peek<AcDbLinetypeTable>(linetypeTable_);
+    AcDbObjectId id;
+    if (linetypes == nullptr || linetypes->getAt(L"Continuous", id) != Acad::eOk) return {};
+    return id;
+}
+
+void AcDbDatabase::setHighlighted(AcDbObjectId id, bool on) {
+    if (on) {
+        highlighted_.insert(id);
+    } else {
+        highlighted_.erase(id);
+    }
 }
 
 Acad::ErrorStatus AcDbDatabase::setTilemode(bool tilemode) {

@@ -2,6 +2,7 @@
 #include <functional>
 // Database objects and entities, the drawing database, and opening and closing.
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -174,6 +175,11 @@ class AcDbEntity : public AcDbObject {
 
     AcDb::Visibility visibility() const { return visible_ ? AcDb::kVisible : AcDb::kInvisible; }
     Acad::ErrorStatus setVisibility(AcDb::Visibility visibility, bool doSubents = true);
+    // Shows the entity highlighted (or plainly again). Highlighting is a state of the
+    // display, not of the drawing: the entity need only be open for read, and nothing of
+    // it is saved. eNotInDatabase for an entity that is not resident.
+    Acad::ErrorStatus highlight() const;
+    Acad::ErrorStatus unhighlight() const;
 
     ACHAR* linetype() const;
     const std::wstring& linetypeName() const { return linetype_; }
@@ -261,6 +267,8 @@ class AcDbDatabase : public db::Database {
         return getLinetypeTable(table, mode);
     }
     Acad::ErrorStatus getNamedObjectsDictionary(AcDbDictionary*& dict, AcDb::OpenMode mode);
+    // The linetype record "Continuous"; null when the drawing has none.
+    AcDbObjectId continuousLinetype() const;
 
     AcDbObjectId blockTableId() const { return blockTable_; }
     AcDbObjectId layerTableId() const { return layerTable_; }
@@ -290,6 +298,10 @@ class AcDbDatabase : public db::Database {
     const View& view() const { return view_; }
     void setView(const View& view);
 
+    // The entities shown highlighted (AcDbEntity::highlight), as the display knows them.
+    bool isHighlighted(AcDbObjectId id) const { return highlighted_.count(id) != 0; }
+    void setHighlighted(AcDbObjectId id, bool on);
+
     // For loaders: the well-known objects of a drawing read from a file.
     void setWellKnownIds(AcDbObjectId blockTable, AcDbObjectId layerTable, AcDbObjectId regAppTable,
                          AcDbObjectId linetypeTable, AcDbObjectId namedObjects,
@@ -307,6 +319,7 @@ class AcDbDatabase : public db::Database {
     AcCmColor cecolor_;
     bool tilemode_ = true;
     View view_;
+    std::set<AcDbObjectId> highlighted_;
 };
 
 // Entity names of the command-line interface and object ids.

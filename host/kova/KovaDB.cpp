@@ -6,7 +6,9 @@
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/fgbfile.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 namespace KovaDB {
 
@@ -99,6 +101,52 @@ int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param, const CQmCustomDa
         if (end != nullptr && *end == 0 && weight >= 0) param.dLineWeight = weight;
     }
     return 1;
+}
+
+void LAYERPARAM2013EX::SetLayerName(const ACHAR* name) {
+    std::size_t length = name ? std::wcslen(name) : 0;
+    length = (std::min)(length, std::size(szLayerName) - 1);
+    std::wmemcpy(szLayerName, name ? name : L"", length);
+    szLayerName[length] = 0;
+}
+
+int qmGetLayerParam(const CString& layerKey, LAYERPARAM2013EX& param, int, int, int,
+                    CCustomDatabase*) {
+    CLayerParam found;
+    found.strLayerName = param.szLayerName;
+    found.nColorIndex = param.nColorIndex;
+    found.strLineType = param.strLineType;
+    found.dLineWeight = param.dLineWeight;
+    found.strRemark = param.strRemark;
+    if (!qmGetLayerParam(layerKey, found, qmGetQmCustomDatabase())) return 0;
+    param.SetLayerName(found.strLayerName);
+    param.nColorIndex = found.nColorIndex;
+    param.strLineType = found.strLineType;
+    param.dLineWeight = found.dLineWeight;
+    param.strRemark = found.strRemark;
+    return 1;
+}
+
+int qmGetLayerNameFromDict(const ACHAR* key, CString& name, AcDbDatabase* database) {
+    name.Empty();
+    resbuf* list = nullptr;
+    if (!kova::dat::ReadNamedObjDict(kLayerNameDict, key, list, database)) return 0;
+    for (const resbuf* rb = list; rb != nullptr; rb = rb->rbnext) {
+        if (rb->restype == 1 && rb->resval.rstring != nullptr) {
+            name = rb->resval.rstring;
+            break;
+        }
+    }
+    acutRelRb(list);
+    return name.IsEmpty() ? 0 : 1;
+}
+
+int qmPutLayerNameIntoDict(const ACHAR* key, const ACHAR* name, AcDbDatabase* database) {
+    if (key == nullptr || *key == 0 || name == nullptr || *name == 0) return 0;
+    resbuf* list = acutBuildList(1, name, 0);
+    int ok = kova::dat::AddNamedObjDict(kLayerNameDict, key, list, database);
+    acutRelRb(list);
+    return ok;
 }
 
 }  // namespace KovaDB

@@ -63,4 +63,43 @@ CQmCustomDatabase qmGetQmCustomDatabase();
 // out). 0 with param untouched when the file or the section is missing.
 int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param, const CQmCustomDatabase& database);
 
+// The record of a layer that the parcel layer lookups hand to the layer standard: the
+// caller presets it with what a layer of the key should be when the standard does not
+// know the key, and the standard overwrites what it sets.
+struct LAYERPARAM2013EX {
+    ACHAR szLayerName[256] = {};  // the layer name; longer names are cut to 255 characters
+    int nType = 0;                // preset to 4 by the parcel lookups; kept as given
+    CString strUnit;              // preset to "U"; kept as given
+    CString strKey;               // the layer key
+    CString strKeyEx;             // the layer key again
+    CString strAppName;           // xdata application of the entities drawn on the layer
+    CString strRemark;            // what the layer is for ("说明")
+    CString strGroup;             // the layer group ("YD用地图层_R21")
+    int nColorIndex = 7;
+    CString strLineType = L"CONTINUOUS";
+    double dLineWeight = -1.0;  // millimetres; negative for the default weight
+
+    void SetLayerName(const ACHAR* name);
+};
+
+// Looks the key up in the layer standard of the current standard (as above): 1 when the
+// standard knows it and its 图层名, 颜色, 线型, 线宽 and 说明 overwrote the record's layer
+// name, colour, linetype, weight and remark (each only when set); 0 with the presets kept
+// when it does not. The three integers are options of the maker's interface (the parcel
+// lookups pass 0, 1 for a layer that several classes share, and 1) and the project
+// database is the drawing's; the standard here answers alike whatever they are.
+int qmGetLayerParam(const CString& layerKey, LAYERPARAM2013EX& param, int, int shared, int,
+                    CCustomDatabase* database);
+
+// The layer names that the parcel layer lookups remembered for a drawing (the working one
+// when null), so that a drawing keeps its layers when the standard changes. They travel
+// with the file: named-object dictionary -> DICTIONARY "KOVA_LAYERNAME" -> one XRECORD per
+// layer key holding the name as a group-1 string. Keys are compared without regard to
+// ASCII case, as every dictionary key.
+inline constexpr const ACHAR* kLayerNameDict = L"KOVA_LAYERNAME";
+// 1 with the name stored under the key; 0 with name "" when there is none.
+int qmGetLayerNameFromDict(const ACHAR* key, CString& name, AcDbDatabase* database = nullptr);
+// Stores the name under the key, replacing an earlier one; 0 for an empty key or name.
+int qmPutLayerNameIntoDict(const ACHAR* key, const ACHAR* name, AcDbDatabase* database = nullptr);
+
 }  // namespace KovaDB

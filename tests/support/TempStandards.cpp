@@ -28,6 +28,15 @@ TempStandards::~TempStandards() {
     fs::remove_all(root_, ignored);
 }
 
+std::filesystem::path TempStandards::copyShipped(const std::wstring& relative) {
+    fs::path from =
+        fs::path(KPLAN_SOURCE_DIR "/data/standards/通用国标") / db::wideToUtf8(relative);
+    fs::path to = root_ / db::wideToUtf8(kStandard) / db::wideToUtf8(relative);
+    fs::create_directories(to.parent_path());
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing);
+    return to;
+}
+
 std::string TempStandards::encode(const std::wstring& text, Encoding encoding) {
     auto utf16 = [&text](bool bigEndian) {
         std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";

@@ -19,6 +19,9 @@ class TempStandards {
     // root when the path starts with "/" ("/通用国标/用地分类/x.txt").
     std::filesystem::path write(const std::wstring& relative, const std::wstring& content,
                                 Encoding encoding = Encoding::Utf8);
+    // A file of the shipped standard "通用国标" ("参数配置/图层标准.ini"), copied to the
+    // same place below the current standard.
+    std::filesystem::path copyShipped(const std::wstring& relative);
     // The current class table, written in one go.
     std::filesystem::path writeClassTable(const std::wstring& content,
                                           Encoding encoding = Encoding::Utf8);

@@ -168,3 +168,31 @@ TEST_F(DatabaseTest, BlockIteratorSkipsErasedEntities) {
     model->close();
     EXPECT_EQ(seen, (std::vector<AcDbObjectId>{a, c}));
 }
+
+TEST_F(DatabaseTest, ContinuousLinetypeIsTheRecordOfThatName) {
+    AcDbLinetypeTable* linetypes = nullptr;
+    ASSERT_EQ(database()->getLinetypeTable(linetypes, AcDb::kForRead), Acad::eOk);
+    AcDbObjectId continuous;
+    EXPECT_EQ(linetypes->getAt(L"CONTINUOUS", continuous), Acad::eOk);
+    linetypes->close();
+    EXPECT_FALSE(continuous.isNull());
+    EXPECT_EQ(database()->continuousLinetype(), continuous);
+    AcDbDatabase bare(false);
+    EXPECT_TRUE(bare.continuousLinetype().isNull()) << "a drawing without tables has none";
+}
+
+TEST_F(DatabaseTest, HighlightingIsAStateOfTheDisplayOnly) {
+    AcDbObjectId a = addRectangle(0, 0, 10, 10), b = addCircle(5, 5, 1);
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, a, AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(entity->highlight(), Acad::eOk) << "open for read is enough";
+    entity->close();
+    EXPECT_TRUE(database()->isHighlighted(a));
+    EXPECT_FALSE(database()->isHighlighted(b));
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, a, AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(entity->unhighlight(), Acad::eOk);
+    entity->close();
+    EXPECT_FALSE(database()->isHighlighted(a));
+    AcDbCircle loose;
+    EXPECT_EQ(loose.highlight(), Acad::eNotInDatabase);
+}

@@ -1,5 +1,5 @@
 #pragma once
-// Bringing an entity into the user's view.
+// Bringing entities into the user's view.
 #include "host/arx/dbmain.h"
 
 // Makes the entity visible when it is not wholly inside the current view: zooms to a
@@ -9,6 +9,16 @@
 // (RTNORM when it ran).
 int PanEnt(AcDbObjectId id);
 
+// The same for several entities together: the window is taken around the extents of
+// all of them that have extents (invalid and erased ids are passed over). 0 when none
+// has extents or all lie strictly inside the view.
+int PanEnts(const AcDbObjectIdArray& ids);
+
 // Zooms to the entity whatever the view, 120 drawing units wider and 80 higher on each
 // side; results as PanEnt.
 int ZoomEnt(AcDbObjectId id);
+
+// Shows the user one entity: zooms to it as ZoomEnt does and highlights it. The
+// highlight stays until the caller ends it (kova_ent_UnHighLightIds). 1 when done; 0,
+// with view and highlight unchanged, for an invalid or erased id or one without extents.
+int FZoomFlashObj(AcDbObjectId id);

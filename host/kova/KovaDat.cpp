@@ -256,6 +256,25 @@ int GetSoftIds(AcDbObjectId id, const ACHAR* linkName, AcDbObjectIdArray& ids) {
     return ids.length();
 }
 
+int RemoveSoftIds(AcDbObjectId id, const ACHAR* linkName) {
+    AcDbObjectId ext = extensionDictionary(id, false);
+    AcDbDictionary* dict = nullptr;
+    if (ext.isNull() || empty(linkName) ||
+        acdbOpenObject(dict, ext, AcDb::kForWrite) != Acad::eOk) {
+        return 0;
+    }
+    AcDbObjectId xrecId;
+    Acad::ErrorStatus es = dict->remove(linkName, xrecId);
+    dict->close();
+    if (es != Acad::eOk) return 0;
+    AcDbObject* xrec = nullptr;
+    if (acdbOpenObject(xrec, xrecId, AcDb::kForWrite) == Acad::eOk) {
+        xrec->erase();
+        xrec->close();
+    }
+    return 1;
+}
+
 int qmGetIdFromDict(AcDbObjectId id, const ACHAR* linkName, AcDbObjectIdArray& ids) {
     return GetSoftIds(id, linkName, ids);
 }

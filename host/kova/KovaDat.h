@@ -54,6 +54,9 @@ int PasteSoftId(AcDbObjectId id, const ACHAR* linkName, AcDbObjectId other);
 // Clears ids and fills it with the objects linked under the name, in linking order
 // (erased ones included: callers decide what to do with them); returns their number.
 int GetSoftIds(AcDbObjectId id, const ACHAR* linkName, AcDbObjectIdArray& ids);
+// Drops the whole link list of that name (the linked objects stay as they are); 1 when
+// there was one.
+int RemoveSoftIds(AcDbObjectId id, const ACHAR* linkName);
 // The name the parcel code knows the same reading by.
 int qmGetIdFromDict(AcDbObjectId id, const ACHAR* linkName, AcDbObjectIdArray& ids);
 

@@ -1,5 +1,6 @@
 // Bringing a parcel into view: nothing happens to a parcel already well inside the view;
 // one touching its border or outside it gets a zoom window with the margins of each form.
+// Several parcels are brought into view together; one parcel is shown highlighted.
 #include "draw/DisplayHelpers.h"
 
 #include <gtest/gtest.h>
@@ -71,6 +72,46 @@ TEST_F(DisplayHelpersTest, NothingToShowGivesZero) {
         EXPECT_EQ(PanEnt(id), 0);
         EXPECT_EQ(ZoomEnt(id), 0);
     }
+    EXPECT_EQ(view().centerX, 750);
+}
+
+TEST_F(DisplayHelpersTest, PanEntsTakesTheWindowAroundAllOfThem) {
+    AcDbObjectId a = addRectangle(100, 100, 200, 200), b = addRectangle(300, 400, 500, 600);
+    AcDbObjectId gone = addRectangle(-9000, -9000, -8000, -8000);
+    ASSERT_EQ(kova::ent::Erase(gone), 1);
+    AcDbObjectIdArray ids;
+    for (AcDbObjectId id : {a, b, gone, AcDbObjectId()})
+        ids.append(id);
+    EXPECT_EQ(PanEnts(ids), 0) << "both strictly inside; the erased one does not count";
+    EXPECT_EQ(view().centerX, 750);
+
+    AcDbObjectId edge = addRectangle(1200, 900, 1500, 950);  // touches the right border
+    ids.append(edge);
+    EXPECT_EQ(PanEnts(ids), RTNORM);
+    // The union runs from (100, 100) to (1500, 950); 100 and 60 more on each side.
+    EXPECT_DOUBLE_EQ(view().centerX, 800);
+    EXPECT_DOUBLE_EQ(view().centerY, 525);
+    EXPECT_DOUBLE_EQ(view().height, std::max(850.0 + 120, (1400.0 + 200) / 1.5));
+
+    AcDbObjectIdArray none;
+    none.append(gone);
+    EXPECT_EQ(PanEnts(none), 0);
+    EXPECT_EQ(PanEnts(AcDbObjectIdArray()), 0);
+}
+
+TEST_F(DisplayHelpersTest, ZoomFlashObjZoomsAndHighlights) {
+    AcDbObjectId id = addRectangle(100, 100, 200, 200);
+    EXPECT_EQ(FZoomFlashObj(id), 1);
+    EXPECT_DOUBLE_EQ(view().centerX, 150);
+    EXPECT_DOUBLE_EQ(view().height, std::max(100.0 + 160, (100.0 + 240) / 1.5));
+    EXPECT_TRUE(database()->isHighlighted(id));
+
+    database()->setView({750, 500, 1000, 1.5, true});
+    AcDbObjectId gone = addRectangle(5000, 5000, 5100, 5100);
+    ASSERT_EQ(kova::ent::Erase(gone), 1);
+    EXPECT_EQ(FZoomFlashObj(gone), 0);
+    EXPECT_EQ(FZoomFlashObj(AcDbObjectId()), 0);
+    EXPECT_FALSE(database()->isHighlighted(gone));
     EXPECT_EQ(view().centerX, 750);
 }
 

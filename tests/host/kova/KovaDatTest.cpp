@@ -319,6 +319,16 @@ TEST_F(DatTest, SoftLinksKeepOrderAndNoDuplicates) {
     erase(island1);
     EXPECT_EQ(dat::GetSoftIds(parcel, L"DKBJ_LINK_NLK", ids), 2);
     EXPECT_TRUE(ids[1].isErased());
+
+    // A whole list is dropped; the linked objects and the other lists stay.
+    EXPECT_EQ(dat::RemoveSoftIds(parcel, L"DKBJ_LINK_NLK"), 1);
+    EXPECT_EQ(dat::GetSoftIds(parcel, L"DKBJ_LINK_NLK", ids), 0);
+    EXPECT_FALSE(island2.isErased());
+    EXPECT_EQ(dat::GetSoftIds(parcel, L"填充色块", ids), 1);
+    EXPECT_EQ(dat::RemoveSoftIds(parcel, L"DKBJ_LINK_NLK"), 0) << "gone already";
+    EXPECT_EQ(dat::RemoveSoftIds(island2, L"填充色块"), 0) << "no extension dictionary";
+    EXPECT_EQ(dat::PasteSoftId(parcel, L"DKBJ_LINK_NLK", island2), 1) << "linked anew";
+    EXPECT_EQ(dat::GetSoftIds(parcel, L"DKBJ_LINK_NLK", ids), 1);
 }
 
 }  // namespace

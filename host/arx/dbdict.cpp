@@ -1,13 +1,33 @@
 #include "host/arx/dbdict.h"
 
+#include <string_view>
+
 #include "host/arx/peek.h"
 
 ACRX_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, L"DICTIONARY")
 
+namespace {
+
+wchar_t foldedChar(wchar_t c) {
+    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
+}
+
+// The comparison of arx::foldCase, without making the folded copies: a lookup walks every
+// entry, and drawings keep dictionaries of hundreds of keys.
+bool sameKey(const std::wstring& entry, std::wstring_view key) {
+    if (entry.size() != key.size()) return false;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        if (foldedChar(entry[i]) != foldedChar(key[i])) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 int AcDbDictionary::indexOf(const ACHAR* key) const {
-    std::wstring folded = arx::foldCase(key);
+    std::wstring_view wanted(key ? key : L"");
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-        if (arx::foldCase(entries_[i].first.c_str()) == folded) return static_cast<int>(i);
+        if (sameKey(entries_[i].first, wanted)) return static_cast<int>(i);
     }
     return -1;
 }

@@ -7,17 +7,24 @@
 //     replaced by the full one;
 //  2. the layer the current class table gives the class (its first code for a compound
 //     class without a line of its own);
-//  3. the configured prefix + class + suffix;
+//  3. the configured prefix + class + suffix (the planned affixes of the current table
+//     for underground parcels);
 //  4. the layer standard, which knows the blank-land layers and the layers "现状水域" and
 //     "现状公共绿地" shared by current water (E1) and green (G1, G2) parcels, else the
 //     built-in default name ("R21规划用地边界").
-// A name from 2 to 4 has "\" and "/" removed, is upper-cased and is remembered in the
-// drawing, under the layer key with "/" removed. Blank land ("KB") skips 1 to 3 and is
+// A remembered name loses its "/" and is upper-cased. A name from 2 to 4 has "\" and "/"
+// removed, is upper-cased and is remembered in the drawing, under the layer key with "/"
+// removed. Blank land ("KB") skips 1 to 3 and is
 // not remembered. Layer keys: "FL_YS_" boundary or "FL_FZ_" hatch, "YDGH_" planned or
 // "YDXZ_" current, the class code, and "_DX" for underground space.
 //
+// A class table that exists names a layer for every class (its fixed layer, the class
+// line's own, or prefix + code + suffix, the bare code without affixes), so 3 and 4 speak
+// only when the current table is missing, or, below ground, its underground variant.
+//
 // Each function returns 1 with the name in layerName, or 0 with layerName untouched for
-// an empty class code. Class codes are trimmed first.
+// an empty class code (or a name that was nothing but "\" and "/"). Class codes are
+// trimmed first.
 #include "host/kova/KovaDB.h"
 #include "host/mfc/CString.h"
 

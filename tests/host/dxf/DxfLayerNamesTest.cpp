@@ -4,6 +4,7 @@
 
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/dxf/Dxf.h"
 #include "host/kova/KovaDB.h"
 #include "tests/host/dxf/DxfTestSupport.h"
 #include "tests/support/KplanTest.h"
@@ -31,6 +32,16 @@ TEST_F(DxfLayerNamesTest, RememberedNamesAndParcelLayersSurviveTheFile) {
     EXPECT_EQ(layers->add(layer), Acad::eOk);
     layer->close();
     layers->close();
+
+    // ezdxf reads the same layers and names, and its audit finds nothing to mend.
+    std::string path = dxftest::makeTempFolder() + "/names.dxf", error, output;
+    ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
+    ASSERT_EQ(dxftest::runPython("list_layer_names.py", {path}, output), 0) << output;
+    for (const char* line :
+         {"LAYER 现状水域 141 127,223,255 Continuous\n", "NAME FL_YS_YDGH_R21 GH-R21\n",
+          "NAME FL_FZ_YDXZ_E1 现状水域\n", "NAME FL_YS_YDGH_绿地 规划绿地边界\n"}) {
+        EXPECT_NE(output.find(line), std::string::npos) << line << " in\n" << output;
+    }
 
     for (const char* version : {"", "AC1015"}) {
         SCOPED_TRACE(version);

@@ -82,6 +82,20 @@ const Drawn& drawing() {
     return made;
 }
 
+// Whether a line of text, its runs of blanks taken as one, is a line of the output.
+bool hasWords(const std::string& text, const std::string& words) {
+    std::string line;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        if (i == text.size() || text[i] == '\n') {
+            if (line == words) return true;
+            line.clear();
+        } else if (text[i] != ' ' || (!line.empty() && line.back() != ' ')) {
+            line += text[i];
+        }
+    }
+    return false;
+}
+
 Json statsJson(const std::string& options, Outcome& run) {
     run = kplan("stats '" + drawing().path + "' --format json " + options);
     Json json = Json::parse(run.out);
@@ -146,9 +160,12 @@ TEST(KplanStatsTest, BalanceWithinTheScopeLineMatchesTheGeometry) {
         Outcome run;
         Json json = statsJson(c.options, run);
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        EXPECT_EQ(json.keys(), (std::vector<std::string>{"boundary", "class_table", "classes",
-                                                         "drawing", "major_classes", "parcels",
-                                                         "population", "standard", "totals"}));
+        // The keys of before keep their meaning; the balance tables come as new keys.
+        EXPECT_EQ(json.keys(),
+                  (std::vector<std::string>{"balance", "boundary", "class_table", "classes",
+                                            "drawing", "major_classes", "parcels", "population",
+                                            "schema", "standard", "tables", "totals", "warnings"}));
+        EXPECT_EQ(json["schema"].number(), 2);
         EXPECT_EQ(json["drawing"].string(), drawing().path);
         EXPECT_EQ(json["standard"].string(), "通用国标");
         EXPECT_EQ(json["class_table"].string(), "2011国标城乡用地类别.txt");
@@ -180,17 +197,26 @@ TEST(KplanStatsTest, TheTableNamesTheClassesAndSaysWhichScopeLine) {
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(run.err, "kplan: 2 planning scope lines; using the largest, " + drawing().scope +
                            " (2.00 ha); --boundary HANDLE chooses another\n");
+    // Within the 2 ha scope: R21 0.25 and half of B1 0.25 are H (25 %), E1 0.56 (28 %),
+    // the 0.94 ha no planned parcel covers 47 %; the current-status R2 of 0.08 ha beside.
     for (const std::string& line : std::vector<std::string>{
-             "boundary: " + drawing().scope + ", 2.00 ha\n",
-             "planned parcels: 3 (1 crossing the boundary)\n",
-             "H     建设用地                 0.50  100.00\n", "R21   住宅用地       0.25   23.58\n",
-             "E1    水域                     0.56\n", "population: 140\n"}) {
-        EXPECT_NE(run.out.find(line), std::string::npos) << "missing: " << line << run.out;
+             "范围线：" + drawing().scope + "，2.00 公顷",
+             "规划地块：3（1 块与范围线相交）",
+             "H 建设用地 0.08 4.00 0.50 25.00",
+             "E 非建设用地 0.00 0.00 0.56 28.00",
+             "范围内未划定地块 1.92 96.00 0.94 47.00",
+             "城乡用地 2.00 100.00 2.00 100.00",
+             // 0.25 ha for 140 people is 17.86 m² each; 0.08 ha for 7 is 114.29.
+             "R 居住用地 0.08 100.00 114.29 0.25 50.00 17.86",
+             "R2 其中：二类居住用地 0.08 100.00 114.29 0.25 50.00 17.86",
+         }) {
+        EXPECT_TRUE(hasWords(run.out, line)) << "missing: " << line << "\n" << run.out;
     }
     // Machines get the same figures unrounded, one row per value.
     Outcome csv = kplan("stats '" + drawing().path + "' --format csv");
     ASSERT_EQ(csv.exitCode, 0);
-    EXPECT_EQ(csv.out.substr(0, csv.out.find('\n') + 1), "table,code,name,value\r\n");
+    EXPECT_EQ(csv.out.substr(0, csv.out.find(',')), "\xEF\xBB\xBFtable");
+    EXPECT_NE(csv.out.find("\r\ntable,code,name,value\r\n"), std::string::npos);
     EXPECT_NE(csv.out.find("\r\ntotals,H,建设用地,0.5\r\n"), std::string::npos) << csv.out;
     EXPECT_NE(csv.out.find("\r\npopulation,,,140\r\n"), std::string::npos);
 }
@@ -345,6 +371,80 @@ TEST(KplanStatsTest, TheSamplePlanBalances) {
     EXPECT_GT(generations[2], 0);
     EXPECT_GT(generations[1], 0);
     EXPECT_GT(current, 0);
+}
+
+}  // namespace
+
+namespace {
+
+// A scope line of 200 x 100 m (2 ha) with planned parcels R21 100 x 50 (0.5 ha), B1
+// 100 x 50 (0.5 ha), G1 50 x 50 (0.25 ha) and E1 100 x 50 half outside (0.25 ha inside);
+// 100 x 50 m (0.5 ha, 25 %) of the scope is no parcel's, as roads drawn as gaps are. One
+// current-status R2 parcel covers the whole scope.
+const std::string& balancedPlan() {
+    static const std::string path = [] {
+        AcApDocument* document = acDocManager->appendDocument();
+        AcDbObjectId scope = rectangle(0, 0, 200, 100);
+        ARX_DATA::CFGisXData::SetTo(scope, dk::FAPP_GHFWX, L"", L"规划范围线");
+        planned(rectangle(0, 0, 100, 50), L"B-01", L"R21", L"100");
+        planned(rectangle(100, 0, 200, 50), L"B-02", L"B1", L"0");
+        planned(rectangle(0, 50, 50, 100), L"B-03", L"G1", L"0");
+        planned(rectangle(150, 50, 250, 100), L"B-04", L"E1", L"0");
+        AcDbObjectId status = rectangle(0, 0, 200, 100);
+        ARX_DATA::CFSimpleXData::SetTo(status, dk::FAPP_XZDK, dk::MARK_XZDK);
+        ARX_DATA::CFGisXData::SetTo(status, dk::FS_DKXZ, L"R2");
+        ARX_DATA::CFGisXData::SetTo(status, dk::FN_ZRKS, L"400");
+        std::string made = testFolder() + "/balanced.dxf";
+        std::string error;
+        EXPECT_TRUE(dxf::save(*document->database(), made, error)) << error;
+        acDocManager->closeDocument(document);
+        return made;
+    }();
+    return path;
+}
+
+TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
+    Outcome run = kplan("stats '" + balancedPlan() + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    // Current status first, as the standard's tables have it; the gap between the parcels
+    // is a row of its own, and the shares are of the scope's 2 ha.
+    for (const std::string& line : std::vector<std::string>{
+             "城乡用地汇总表",
+             "代码 名称 现状面积（公顷） 现状占城乡用地比例（%） 规划面积（公顷） "
+             "规划占城乡用地比例（%）",
+             "H 建设用地 2.00 100.00 1.25 62.50",
+             "H1 城乡居民点建设用地 2.00 100.00 1.25 62.50",
+             "H11 其中：城市建设用地 2.00 100.00 1.25 62.50",
+             "H12 镇建设用地 0.00 0.00 0.00 0.00",
+             "E 非建设用地 0.00 0.00 0.25 12.50",
+             "E1 水域 0.00 0.00 0.25 12.50",
+             "范围内未划定地块 0.00 0.00 0.50 25.00",
+             "城乡用地 2.00 100.00 2.00 100.00",
+             "城市建设用地平衡表",
+             // R21 0.5 ha for 100 people, the current R2 2 ha for 400: 50 m² each.
+             "R 居住用地 2.00 100.00 50.00 0.50 40.00 50.00",
+             "A 公共管理与公共服务用地 0.00 0.00 0.00 0.00 0.00 0.00",
+             "B 商业服务业设施用地 0.00 0.00 0.00 0.50 40.00 50.00",
+             "B1 其中：商业用地 0.00 0.00 0.00 0.50 40.00 50.00",
+             "G1 其中：公园绿地 0.00 0.00 0.00 0.25 20.00 25.00",
+             "H11 城市建设用地 2.00 100.00 50.00 1.25 100.00 125.00",
+         }) {
+        EXPECT_TRUE(hasWords(run.out, line)) << "missing: " << line << "\n" << run.out;
+    }
+    // The order of the major classes is the standard's: R A B M W S U G.
+    std::string order;
+    for (const char* major : {"\nR ", "\nA ", "\nB ", "\nM ", "\nW ", "\nS ", "\nU ", "\nG "})
+        order += run.out.find(major) == std::string::npos ? "-" : "+";
+    EXPECT_EQ(order, "++++++++");
+    std::size_t at = 0;
+    for (const char* major : {"\nR ", "\nA ", "\nB ", "\nM ", "\nW ", "\nS ", "\nU ", "\nG "}) {
+        std::size_t next = run.out.find(major, run.out.find("城市建设用地平衡表"));
+        EXPECT_GT(next, at) << major;
+        at = next;
+    }
+    EXPECT_NE(run.out.find("- 范围内未划定地块 0.5000 公顷，占范围 25.00%（单列一行）"),
+              std::string::npos)
+        << run.out;
 }
 
 }  // namespace

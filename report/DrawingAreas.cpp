@@ -1,0 +1,63 @@
+#include "report/DrawingAreas.h"
+
+#include "host/kova/KovaEnt.h"
+#include "record/DKBJXDInfo.h"
+#include "record/DKKeys.h"
+#include "stats/BoundaryStats.h"
+#include "stats/ClassTotals.h"
+#include "stats/GpcAdaptor.h"
+
+namespace kplan::report {
+
+std::string handleOf(AcDbObjectId id) {
+    ACHAR text[17] = {};
+    id.handle().getIntoAsciiBuffer(text);
+    return CString(text).ToUtf8();
+}
+
+Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
+                        Scenario scenario) {
+    Measured m;
+    m.scenario = scenario;
+    m.scoped = !boundary.isNull();
+    if (m.scoped) {
+        kova::ent::GetArea(boundary, m.scopeHectares);
+        m.scopeHectares /= 10000;
+    }
+    AcDbObjectIdArray counted;
+    for (AcDbObjectId id : parcels) {
+        ParcelArea p;
+        CDKBJXDInfo record(id);
+        if (!m.scoped) {
+            record.GetArea(p.hectares);
+        } else {
+            int lies = FIsDKAndBoundaryInter(boundary, id);
+            if (lies == -1) continue;
+            if (lies == 0) {
+                record.GetArea(p.hectares);
+            } else {
+                AcDbObjectIdArray one;
+                one.append(id);
+                FGetDKAreaByBoundary(boundary, one, p.hectares);
+            }
+        }
+        counted.append(id);
+        CString code, ratio;
+        record.GetData(dk::FS_DKXZ, code);
+        record.GetData(dk::FS_HHBL, ratio);
+        p.handle = handleOf(id);
+        p.code = code.ToUtf8();
+        p.ratio = ratio.ToUtf8();
+        m.parcels.push_back(std::move(p));
+    }
+    int people = 0;
+    if (scenario == Scenario::Current) {
+        GetXZDKAllRKSForGIS(counted, people);
+    } else {
+        GetGHDKAllRKSForGIS(counted, people);
+    }
+    m.population = people;
+    return m;
+}
+
+}  // namespace kplan::report

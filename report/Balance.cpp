@@ -154,8 +154,16 @@ class Builder {
                 w.handles.push_back(p.handle);
             }
         }
+        s.overlap = m.overlapHectares;
+        if (s.overlap > kNoArea) {
+            Warning w;
+            w.kind = "overlap";
+            w.scenario = m.scenario;
+            w.hectares = s.overlap;
+            w.handles = m.overlapping;
+            report_.warnings.push_back(w);
+        }
         if (m.scoped) {
-            s.overlap = m.overlapHectares;
             s.remainder = m.scopeHectares - (line.parcelHectares - m.overlapHectares);
             if (std::fabs(s.remainder) < kNoArea) s.remainder = 0;
             double percent = m.scopeHectares > 0 ? s.remainder / m.scopeHectares * 100 : 0;
@@ -166,14 +174,6 @@ class Builder {
                 w.code = options_.remainderCode;
                 w.hectares = s.remainder;
                 w.percent = percent;
-                report_.warnings.push_back(w);
-            }
-            if (s.overlap > kNoArea) {
-                Warning w;
-                w.kind = "overlap";
-                w.scenario = m.scenario;
-                w.hectares = s.overlap;
-                w.handles = m.overlapping;
                 report_.warnings.push_back(w);
             }
             if (remainderClass >= 0) {

@@ -3,6 +3,7 @@
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "report/Overlaps.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
 #include "stats/GpcAdaptor.h"
@@ -57,6 +58,9 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
         GetGHDKAllRKSForGIS(counted, people);
     }
     m.population = people;
+    Overlaps overlaps = findOverlaps(counted, boundary);
+    m.overlapHectares = overlaps.hectares;
+    m.overlapping = overlaps.handles;
     return m;
 }
 

@@ -448,3 +448,119 @@ TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
 }
 
 }  // namespace
+
+namespace {
+
+// A scope line of 100 x 100 m (1 ha) covered by parcels, two of which overlap by 10 x 50 m
+// (0.05 ha): R21 50 x 50 (0.25 ha), B1 60 x 50 (0.3 ha) over R21's right edge, Q1 (no
+// class) 50 x 50, an empty code 20 x 50 (0.1 ha) and " r21 " 30 x 50 (0.15 ha).
+struct OddPlan {
+    std::string path, r21, b1, q1, empty, lower;
+};
+
+const OddPlan& oddPlan() {
+    static const OddPlan made = [] {
+        OddPlan p;
+        AcApDocument* document = acDocManager->appendDocument();
+        AcDbObjectId scope = rectangle(0, 0, 100, 100);
+        ARX_DATA::CFGisXData::SetTo(scope, dk::FAPP_GHFWX, L"", L"规划范围线");
+        auto parcel = [](double x0, double y0, double x1, double y1, const wchar_t* code) {
+            AcDbObjectId id = rectangle(x0, y0, x1, y1);
+            planned(id, L"C", code, L"0");
+            return handleOf(id);
+        };
+        p.r21 = parcel(0, 0, 50, 50, L"R21");
+        p.b1 = parcel(40, 0, 100, 50, L"B1");
+        p.q1 = parcel(0, 50, 50, 100, L"Q1");
+        p.empty = parcel(50, 50, 70, 100, L"");
+        p.lower = parcel(70, 50, 100, 100, L" r21 ");
+        p.path = testFolder() + "/odd.dxf";
+        std::string error;
+        EXPECT_TRUE(dxf::save(*document->database(), p.path, error)) << error;
+        acDocManager->closeDocument(document);
+        return p;
+    }();
+    return made;
+}
+
+TEST(KplanStatsTest, OverlapsAndCodesOfNoClassAreRowsAndWarnings) {
+    const OddPlan& p = oddPlan();
+    Outcome run = kplan("stats '" + p.path + "' --format json");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    Json json = Json::parse(run.out);
+    ASSERT_TRUE(json.ok()) << run.out;
+    const Json& rural = json["tables"][0];
+    EXPECT_EQ(rural["key"].string(), "rural_urban");
+    // H: R21 0.25 + r21 0.15 + B1 0.3; Q1 and the empty code 0.35 in no class; the
+    // overlap taken off once; the rows add up to the scope's 1 ha.
+    struct Expected {
+        std::string name;
+        double area, share;
+    } rows[] = {{"建设用地", 0.70, 70.00},
+                {"未识别用地代码", 0.35, 35.00},
+                {"地块重叠（重复计入部分）", -0.05, -5.00},
+                {"城乡用地", 1.00, 100.00}};
+    for (const Expected& e : rows) {
+        SCOPED_TRACE(e.name);
+        bool found = false;
+        for (std::size_t i = 0; i < rural["rows"].size(); ++i) {
+            const Json& row = rural["rows"][i];
+            if (row["name"].string() != e.name) continue;
+            found = true;
+            EXPECT_DOUBLE_EQ(row["values"][0].number(), e.area);
+            EXPECT_DOUBLE_EQ(row["values"][1].number(), e.share);
+        }
+        EXPECT_TRUE(found);
+    }
+    // No row of an invented class: no "Q", "r" or blank major class.
+    for (std::size_t t = 0; t < json["tables"].size(); ++t) {
+        for (std::size_t i = 0; i < json["tables"][t]["rows"].size(); ++i) {
+            const std::string& code = json["tables"][t]["rows"][i]["code"].string();
+            EXPECT_TRUE(code != "Q" && code != "Q1" && code != "r" && code != " ") << code;
+        }
+    }
+    std::vector<std::string> warnings;
+    for (std::size_t i = 0; i < json["warnings"].size(); ++i) {
+        const Json& w = json["warnings"][i];
+        std::string handles;
+        for (std::size_t k = 0; k < w["handles"].size(); ++k)
+            handles += " " + w["handles"][k].string();
+        warnings.push_back(w["kind"].string() + " " + w["code"].string() + ":" + handles);
+    }
+    EXPECT_EQ(warnings, (std::vector<std::string>{
+                            "unknown_code Q1: " + p.q1, "empty_code : " + p.empty,
+                            "code_case r21: " + p.lower, "overlap : " + p.r21 + " " + p.b1}));
+    EXPECT_NEAR(json["balance"][0]["overlap_ha"].number(), 0.05, 1e-9);
+    EXPECT_NEAR(json["balance"][0]["remainder_ha"].number(), 0, 1e-9);
+
+    // The same in English, in square metres and in mu.
+    Outcome en = kplan("stats '" + p.path + "' --lang en --units m2 --decimals 0");
+    ASSERT_EQ(en.exitCode, 0) << en.err;
+    for (const std::string& line : std::vector<std::string>{
+             "Rural and urban land",
+             "code name planned area (m2) planned % of rural and urban land",
+             "H 建设用地 7000 70.00",
+             "unrecognised class codes 3500 35.00",
+             "parcel overlaps (counted twice) -500 -5.00",
+             "rural and urban land 10000 100.00",
+             "R2 of which: 二类居住用地 4000 57.14",
+         }) {
+        EXPECT_TRUE(hasWords(en.out, line)) << "missing: " << line << "\n" << en.out;
+    }
+    EXPECT_NE(en.out.find("- class code \"Q1\" is not in the class table, 0.2500 ha, in no "
+                          "class; parcels " +
+                          p.q1 + "\n"),
+              std::string::npos)
+        << en.out;
+    Outcome mu = kplan("stats '" + p.path + "' --units mu");
+    EXPECT_TRUE(hasWords(mu.out, "H 建设用地 10.50 70.00")) << mu.out;
+    Outcome bad = kplan("stats '" + p.path + "' --units acre");
+    EXPECT_EQ(bad.exitCode, 2);
+    EXPECT_EQ(bad.err, "kplan: --units acre: expected hm2, m2, mu or km2\n");
+    Outcome remainder = kplan("stats '" + p.path + "' --remainder Z9");
+    EXPECT_EQ(remainder.exitCode, 2);
+    EXPECT_EQ(remainder.err, "kplan: --remainder Z9: the class table has no such class\n");
+    EXPECT_EQ(remainder.out, "");
+}
+
+}  // namespace

@@ -31,6 +31,7 @@
 #include "report/DrawingAreas.h"
 #include "report/JsonWriter.h"
 #include "report/TerminalWriter.h"
+#include "report/XlsxWriter.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
@@ -44,6 +45,7 @@ struct StatsArgs {
     std::string drawing;
     std::string boundary = "auto";
     std::string format = "table";
+    std::string output;  // -o, the spreadsheet's file
     bool status = false;
     std::string lang = "zh";
     std::string remainder;
@@ -363,7 +365,20 @@ int runStats(StatsArgs args) {
     Format format;
     LoadedDrawing drawing;
     std::string path, error;
-    if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
+    // A spreadsheet is written to a file; the other formats go to standard output.
+    bool xlsx = args.format == "xlsx";
+    if (!xlsx && !parseFormat(args.format, format)) {
+        std::cerr << "kplan: --format " << args.format << ": expected table, csv, json or xlsx\n";
+        return 2;
+    }
+    if (xlsx != !args.output.empty()) {
+        std::cerr << (xlsx ? "kplan: --format xlsx writes a file: name it with -o FILE\n"
+                           : "kplan: -o FILE is for --format xlsx; the other formats go to "
+                             "standard output\n");
+        return 2;
+    }
+    if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
+                                   format, drawing, path))
         return failed;
     AcDbObjectId boundary;
     if (!chooseBoundary(args, *drawing.database(), boundary, error)) {
@@ -404,6 +419,13 @@ int runStats(StatsArgs args) {
                                      "hold values that are not numbers")
                   << " (see the warnings above)\n";
     }
+    if (xlsx) {
+        if (!report::writeXlsx(tables, args.output, args.lang == "en", error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
+        return 0;
+    }
     switch (format) {
         case Format::Table:
             printTable(args, path, balance, tables);
@@ -432,7 +454,9 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
-    command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
+    command->add_option("--format", args->format, "table, csv, json or xlsx (with -o FILE)")
+        ->capture_default_str();
+    command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx");
     command->add_option("--lang", args->lang, "Language of the table: zh or en")
         ->check(CLI::IsMember({"zh", "en"}))
         ->capture_default_str();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -311,7 +312,7 @@ TEST(KplanStatsTest, BadInputGetsOneMessage) {
         {"not a handle", "stats '" + drawing().path + "' --boundary largest", 1,
          "kplan: " + drawing().path + ": no object with handle largest"},
         {"unknown format", "stats '" + drawing().path + "' --format xml", 2,
-         "kplan: --format xml: expected table, csv or json\n"},
+         "kplan: --format xml: expected table, csv, json or xlsx\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -561,6 +562,50 @@ TEST(KplanStatsTest, OverlapsAndCodesOfNoClassAreRowsAndWarnings) {
     EXPECT_EQ(remainder.exitCode, 2);
     EXPECT_EQ(remainder.err, "kplan: --remainder Z9: the class table has no such class\n");
     EXPECT_EQ(remainder.out, "");
+}
+
+}  // namespace
+
+namespace {
+
+// The workbook of a run against the JSON of the same run, read with openpyxl: "" when
+// they agree, else one line per difference.
+std::string compareXlsx(const std::string& args, const std::string& name) {
+    std::string xlsx = testFolder() + "/" + name + ".xlsx",
+                json = testFolder() + "/" + name + ".json";
+    Outcome sheet = kplan("stats " + args + " --format xlsx -o '" + xlsx + "'");
+    EXPECT_EQ(sheet.exitCode, 0) << sheet.err;
+    EXPECT_EQ(sheet.out, "");
+    Outcome run = kplan("stats " + args + " --format json");
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    std::ofstream(json, std::ios::binary) << run.out;
+    std::string out = testFolder() + "/check-xlsx.txt";
+    std::string command = "/usr/bin/python3 '" + std::string(KPLAN_SOURCE_DIR) +
+                          "/tests/cli/check_xlsx.py' '" + xlsx + "' '" + json + "' >'" + out +
+                          "' 2>&1";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    return slurp(out);
+}
+
+TEST(KplanStatsTest, TheSpreadsheetHoldsTheFiguresOfTheJson) {
+    EXPECT_EQ(compareXlsx("", "sample"), "");
+    EXPECT_EQ(compareXlsx("'" + balancedPlan() + "'", "balanced"), "");
+    EXPECT_EQ(compareXlsx("'" + oddPlan().path + "' --units m2 --decimals 0", "odd"), "");
+    EXPECT_EQ(compareXlsx("'" + oddPlan().path + "' --table 1990国标城市用地类别.txt", "old"), "");
+
+    // A spreadsheet goes to a file, and only a spreadsheet does.
+    Outcome noFile = kplan("stats --format xlsx");
+    EXPECT_EQ(noFile.exitCode, 2);
+    EXPECT_EQ(noFile.err, "kplan: --format xlsx writes a file: name it with -o FILE\n");
+    Outcome notXlsx = kplan("stats -o '" + testFolder() + "/x.csv' --format csv");
+    EXPECT_EQ(notXlsx.exitCode, 2);
+    std::string folder = testFolder() + "/no-such-folder/plan.xlsx";
+    Outcome unwritable = kplan("stats --format xlsx -o '" + folder + "'");
+    EXPECT_EQ(unwritable.exitCode, 1);
+    EXPECT_NE(unwritable.err.find("\nkplan: " + folder + ": cannot write the file\n"),
+              std::string::npos)
+        << unwritable.err;
+    EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
 }  // namespace

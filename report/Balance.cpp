@@ -8,6 +8,7 @@
 #include <map>
 
 #include "report/Rounding.h"
+#include "report/StandardRanges.h"
 
 namespace kplan::report {
 
@@ -85,8 +86,11 @@ class Builder {
         for (const Measured& m : measured_)
             sums_.push_back(sum(m, remainderClass));
         layOut();
-        for (Table& table : report_.tables)
+        for (Table& table : report_.tables) {
             roundTable(table);
+            // The standard's ranges hold for the city's construction land of a 2011 plan.
+            if (table.key == "urban_construction") checkRanges(table, rangesOf2011());
+        }
         return true;
     }
 

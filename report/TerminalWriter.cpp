@@ -52,12 +52,12 @@ std::string terminalTables(const Report& report, bool english) {
                 std::string mark = english ? "of which: " : "其中：";
                 name = std::string(displayWidth(mark), ' ') + name.substr(mark.size());
             }
+            if (row.outOfRange) name += " *";
             std::vector<std::string> line = {row.code, std::string(2 * row.level, ' ') + name};
             for (std::size_t c = 0; c < table.columns.size(); ++c) {
                 double v = row.values[c];
                 line.push_back(isBlank(v) ? "" : fixed(v, table.columns[c].decimals));
             }
-            if (row.outOfRange) line.back() += " *";
             lines.push_back(line);
         }
         out += alignedTable(lines, right);

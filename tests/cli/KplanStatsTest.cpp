@@ -208,7 +208,7 @@ TEST(KplanStatsTest, TheTableNamesTheClassesAndSaysWhichScopeLine) {
              "范围内未划定地块 1.92 96.00 0.94 47.00",
              "城乡用地 2.00 100.00 2.00 100.00",
              // 0.25 ha for 140 people is 17.86 m² each; 0.08 ha for 7 is 114.29.
-             "R 居住用地 0.08 100.00 114.29 0.25 50.00 17.86",
+             "R 居住用地 * 0.08 100.00 114.29 0.25 50.00 17.86",
              "R2 其中：二类居住用地 0.08 100.00 114.29 0.25 50.00 17.86",
          }) {
         EXPECT_TRUE(hasWords(run.out, line)) << "missing: " << line << "\n" << run.out;
@@ -423,12 +423,15 @@ TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
              "城乡用地 2.00 100.00 2.00 100.00",
              "城市建设用地平衡表",
              // R21 0.5 ha for 100 people, the current R2 2 ha for 400: 50 m² each.
-             "R 居住用地 2.00 100.00 50.00 0.50 40.00 50.00",
-             "A 公共管理与公共服务用地 0.00 0.00 0.00 0.00 0.00 0.00",
+             "R 居住用地 * 2.00 100.00 50.00 0.50 40.00 50.00",
+             "A 公共管理与公共服务用地 * 0.00 0.00 0.00 0.00 0.00 0.00",
              "B 商业服务业设施用地 0.00 0.00 0.00 0.50 40.00 50.00",
              "B1 其中：商业用地 0.00 0.00 0.00 0.50 40.00 50.00",
              "G1 其中：公园绿地 0.00 0.00 0.00 0.25 20.00 25.00",
-             "H11 城市建设用地 2.00 100.00 50.00 1.25 100.00 125.00",
+             "H11 城市建设用地 * 2.00 100.00 50.00 1.25 100.00 125.00",
+             // Outside GB 50137-2011: 125 m² a person where 65 to 115 are allowed.
+             "* H11 城市建设用地：规划人均 125.00 平方米/人，GB 50137-2011 表4.2.1：65.0–115.0 "
+             "平方米/人",
          }) {
         EXPECT_TRUE(hasWords(run.out, line)) << "missing: " << line << "\n" << run.out;
     }
@@ -443,6 +446,18 @@ TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
         EXPECT_GT(next, at) << major;
         at = next;
     }
+    // The population given replaces the plan's own; --status keeps current status alone.
+    Outcome given = kplan("stats '" + balancedPlan() + "' --population 250 --format json");
+    Json json = Json::parse(given.out);
+    const Json& urban = json["tables"][1];
+    EXPECT_EQ(urban["rows"][0]["code"].string(), "R");
+    EXPECT_EQ(urban["columns"].size(), 6u);
+    EXPECT_DOUBLE_EQ(urban["rows"][0]["values"][5].number(), 20.0);  // 0.5 ha for 250
+    EXPECT_DOUBLE_EQ(urban["rows"][0]["values"][2].number(), 50.0);  // 2 ha for 400
+    Outcome status = kplan("stats '" + balancedPlan() + "' --status --format json");
+    Json current = Json::parse(status.out);
+    ASSERT_EQ(current["tables"][1]["columns"].size(), 3u);
+    EXPECT_EQ(current["tables"][1]["columns"][0]["scenario"].string(), "current");
     EXPECT_NE(run.out.find("- 范围内未划定地块 0.5000 公顷，占范围 25.00%（单列一行）"),
               std::string::npos)
         << run.out;

@@ -103,6 +103,19 @@ TEST(BalanceTest, TheTwoTablesOf2011Balance) {
     EXPECT_DOUBLE_EQ(urban.rows[0].values[2], 33.0);
     EXPECT_DOUBLE_EQ(urban.rows.back().values[2], 73.0);
 
+    // GB 50137-2011 table 4.4.1: R 45.20 %, A 13.70 % and S 27.40 % of the urban
+    // construction land lie above their ranges; the per-person figures (R 33, A 10, S 20,
+    // G 10, G1 10, all 73 m²) lie within theirs.
+    std::vector<std::string> flagged;
+    for (const Row& row : urban.rows) {
+        if (row.outOfRange) flagged.push_back(row.code);
+    }
+    EXPECT_EQ(flagged, (std::vector<std::string>{"R", "A", "S"}));
+    ASSERT_EQ(urban.notes.size(), 3u);
+    EXPECT_EQ(urban.notes[0],
+              "R 居住用地：规划占城市建设用地比例 45.20%，GB 50137-2011 表4.4.1：25.0–40.0%");
+    EXPECT_TRUE(rural.notes.empty());
+
     // Every unknown case is a warning with its parcels; nothing invents a class.
     std::vector<std::string> kinds;
     for (const Warning& w : report.warnings)

@@ -19,11 +19,14 @@
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
+#include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/DYBJInfo.h"
+#include "record/JFBJInfo.h"
 #include "record/XDataAccess.h"
 #include "report/Balance.h"
 #include "report/ClassHierarchy.h"
@@ -53,6 +56,7 @@ struct StatsArgs {
     int decimals = 2;
     long population = -1;  // -1: the parcels' own (FN_ZRKS)
     std::string mixed = "first";
+    std::string by;  // "unit" or "block": tables per planning unit or block as well
     StandardOptions standard;
 };
 
@@ -247,6 +251,12 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     return b;
 }
 
+// The tables of one planning unit or block, measured within its outline.
+struct Section {
+    std::string kind, number, handle;
+    report::Report tables;
+};
+
 void printTable(const StatsArgs& args, const std::string& path, const Balance& b,
                 const report::Report& tables) {
     bool en = args.lang == "en";
@@ -276,10 +286,17 @@ void printTable(const StatsArgs& args, const std::string& path, const Balance& b
 // The standard's tables and the warnings first, then the totals of the library and the
 // tabulation by class, one value a row as before.
 void printCsv(const StatsArgs& args, const Balance& b, const ClassNames& names,
-              const report::Report& tables) {
+              const report::Report& tables, const std::vector<Section>& sections) {
     bool en = args.lang == "en";
     std::cout << report::kUtf8ByteOrderMark << report::csvTables(tables, en)
               << report::csvWarnings(tables, en);
+    // A unit's or block's tables: their rows name it after the table ("rural_urban@JX-02").
+    for (const Section& section : sections) {
+        report::Report named = section.tables;
+        for (report::Table& table : named.tables)
+            table.key += "@" + section.number;
+        std::cout << report::csvTables(named, en);
+    }
     std::cout << csvRow({"table", "code", "name", "value"});
     for (std::size_t i = 0; i < kTotals.size(); ++i) {
         std::cout << csvRow(
@@ -293,7 +310,8 @@ void printCsv(const StatsArgs& args, const Balance& b, const ClassNames& names,
     std::cout << csvRow({"population", "", "", std::to_string(b.population)});
 }
 
-void printJson(const std::string& path, const Balance& b, const report::Report& tables) {
+void printJson(const std::string& path, const Balance& b, const report::Report& tables,
+               const std::vector<Section>& sections) {
     using nlohmann::json;
     auto list = [](const std::vector<ClassArea>& areas) {
         json rows = json::array();
@@ -320,6 +338,18 @@ void printJson(const std::string& path, const Balance& b, const report::Report& 
     out["tables"] = report::tablesJson(tables);
     out["warnings"] = report::warningsJson(tables);
     out["balance"] = report::balanceJson(tables);
+    if (!sections.empty()) {
+        json by = json::array();
+        for (const Section& section : sections) {
+            by.push_back({{"kind", section.kind},
+                          {"number", section.number},
+                          {"handle", section.handle},
+                          {"tables", report::tablesJson(section.tables)},
+                          {"warnings", report::warningsJson(section.tables)},
+                          {"balance", report::balanceJson(section.tables)}});
+        }
+        out["by"] = by;
+    }
     std::cout << report::dumpJson(out);
 }
 
@@ -361,6 +391,41 @@ bool buildTables(const StatsArgs& args, AcDbObjectId boundary, report::AreaUnit 
     return true;
 }
 
+bool buildSections(const StatsArgs& args, report::AreaUnit unit, std::vector<Section>& sections,
+                   std::string& error) {
+    if (args.by.empty()) return true;
+    bool units = args.by == "unit";
+    AcDbObjectIdArray outlines;
+    if (units) {
+        CDYBJInfo::GetDYbj(outlines);
+    } else {
+        CJFBJInfo::GetJFbj(outlines);
+    }
+    report::BalanceOptions options;
+    options.remainderCode = args.remainder;
+    options.unit = unit;
+    options.decimals = args.decimals;
+    options.mixed = args.mixed == "split" ? report::MixedCodes::Split : report::MixedCodes::First;
+    for (AcDbObjectId id : outlines) {
+        Section section;
+        section.kind = args.by;
+        CString number;
+        ARX_DATA::CFGisXData::GetFrom(id, units ? dk::FS_DYBH : dk::FS_JFBH, number);
+        number.Trim();
+        section.number = number.ToUtf8();
+        section.handle = handleText(id);
+        StatsArgs own = args;
+        own.population = -1;  // the population given is the whole plan's
+        if (!report::buildReport(report::ClassHierarchy::Current(), measureScenarios(own, id),
+                                 options, section.tables, error))
+            return false;
+        sections.push_back(std::move(section));
+    }
+    std::stable_sort(sections.begin(), sections.end(),
+                     [](const Section& a, const Section& b) { return a.number < b.number; });
+    return true;
+}
+
 int runStats(StatsArgs args) {
     Format format;
     LoadedDrawing drawing;
@@ -369,6 +434,11 @@ int runStats(StatsArgs args) {
     bool xlsx = args.format == "xlsx";
     if (!xlsx && !parseFormat(args.format, format)) {
         std::cerr << "kplan: --format " << args.format << ": expected table, csv, json or xlsx\n";
+        return 2;
+    }
+    if (xlsx && !args.by.empty()) {
+        std::cerr << "kplan: --by is written as table, csv or json; a spreadsheet holds the "
+                     "whole plan only\n";
         return 2;
     }
     if (xlsx != !args.output.empty()) {
@@ -395,7 +465,9 @@ int runStats(StatsArgs args) {
     stats::ClipSession session;
     Balance balance = measure(*drawing.database(), boundary, args.status, names);
     report::Report tables;
-    if (!buildTables(args, boundary, unit, balance, tables, error)) {
+    std::vector<Section> sections;
+    if (!buildTables(args, boundary, unit, balance, tables, error) ||
+        !buildSections(args, unit, sections, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }
@@ -429,12 +501,23 @@ int runStats(StatsArgs args) {
     switch (format) {
         case Format::Table:
             printTable(args, path, balance, tables);
+            for (const Section& section : sections) {
+                bool en = args.lang == "en";
+                std::cout << "\n"
+                          << (section.kind == "unit" ? (en ? "== unit " : "== 单元 ")
+                                                     : (en ? "== block " : "== 街坊 "))
+                          << section.number << (en ? " (" : "（") << section.handle
+                          << (en ? ") ==\n" : "）==\n")
+                          << report::terminalTables(section.tables, en);
+                std::string warnings = report::terminalWarnings(section.tables, en);
+                if (!warnings.empty()) std::cout << "\n" << warnings;
+            }
             break;
         case Format::Csv:
-            printCsv(args, balance, names, tables);
+            printCsv(args, balance, names, tables, sections);
             break;
         case Format::Json:
-            printJson(path, balance, tables);
+            printJson(path, balance, tables, sections);
             break;
     }
     std::cout.flush();
@@ -478,6 +561,10 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
                      "the mix ratio FS_HHBL")
         ->check(CLI::IsMember({"first", "split"}))
         ->capture_default_str();
+    command
+        ->add_option("--by", args->by,
+                     "Tables for each planning unit or block as well, within its outline")
+        ->check(CLI::IsMember({"unit", "block"}));
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, &exitCode] { exitCode = runStats(*args); });

@@ -16,6 +16,7 @@
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaEnt.h"
 #include "record/DKKeys.h"
+#include "record/DYBJInfo.h"
 #include "tests/cli/Json.h"
 #include "tests/cli/RunKplan.h"
 
@@ -395,6 +396,8 @@ const std::string& balancedPlan() {
         ARX_DATA::CFSimpleXData::SetTo(status, dk::FAPP_XZDK, dk::MARK_XZDK);
         ARX_DATA::CFGisXData::SetTo(status, dk::FS_DKXZ, L"R2");
         ARX_DATA::CFGisXData::SetTo(status, dk::FN_ZRKS, L"400");
+        // A planning unit over the left half: R21, G1 and 50 x 50 m of gap.
+        CDYBJInfo(rectangle(0, 0, 100, 100)).SetData(L"单元编号", L"U-01");
         std::string made = testFolder() + "/balanced.dxf";
         std::string error;
         EXPECT_TRUE(dxf::save(*document->database(), made, error)) << error;
@@ -458,6 +461,29 @@ TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
     Json current = Json::parse(status.out);
     ASSERT_EQ(current["tables"][1]["columns"].size(), 3u);
     EXPECT_EQ(current["tables"][1]["columns"][0]["scenario"].string(), "current");
+    // Per planning unit: the tables within its outline, the whole plan's tables unchanged.
+    Outcome byUnit = kplan("stats '" + balancedPlan() + "' --by unit --format json");
+    ASSERT_EQ(byUnit.exitCode, 0) << byUnit.err;
+    Json units = Json::parse(byUnit.out);
+    EXPECT_EQ(units["tables"].size(), 2u);
+    ASSERT_EQ(units["by"].size(), 1u);
+    EXPECT_EQ(units["by"][0]["kind"].string(), "unit");
+    EXPECT_EQ(units["by"][0]["number"].string(), "U-01");
+    EXPECT_NEAR(units["by"][0]["balance"][1]["scope_ha"].number(), 1.0, 1e-9);
+    const Json& unitRows = units["by"][0]["tables"][0]["rows"];
+    // R21 0.5 + G1 0.25 of the unit's 1 ha are H; 0.25 ha are no parcel's; current status
+    // R2 is clipped to the unit.
+    EXPECT_EQ(unitRows[0]["code"].string(), "H");
+    EXPECT_DOUBLE_EQ(unitRows[0]["values"][0].number(), 1.0);
+    EXPECT_DOUBLE_EQ(unitRows[0]["values"][2].number(), 0.75);
+    EXPECT_DOUBLE_EQ(unitRows[0]["values"][3].number(), 75.0);
+    const Json& last = unitRows[unitRows.size() - 1];
+    EXPECT_EQ(last["name"].string(), "城乡用地");
+    EXPECT_DOUBLE_EQ(last["values"][2].number(), 1.0);
+    const Json& unitCity = units["by"][0]["tables"][1]["rows"];
+    EXPECT_DOUBLE_EQ(unitCity[0]["values"][5].number(), 50.0);  // R21 0.5 ha for 100
+    Outcome text = kplan("stats '" + balancedPlan() + "' --by unit");
+    EXPECT_NE(text.out.find("\n== 单元 U-01（"), std::string::npos) << text.out;
     EXPECT_NE(run.out.find("- 范围内未划定地块 0.5000 公顷，占范围 25.00%（单列一行）"),
               std::string::npos)
         << run.out;

@@ -650,3 +650,49 @@ TEST(KplanStatsTest, TheSpreadsheetHoldsTheFiguresOfTheJson) {
 }
 
 }  // namespace
+
+namespace {
+
+// The README shows the tables of the sample: they are what the program prints.
+TEST(KplanStatsTest, TheReadmeShowsTheSampleAsPrinted) {
+    std::string readme = slurp(std::string(KPLAN_SOURCE_DIR) + "/README.md");
+    std::size_t from = readme.find("$ kplan stats\n");
+    ASSERT_NE(from, std::string::npos);
+    from = readme.find("城乡用地汇总表\n", from);
+    std::size_t to = readme.find("kplan: ", from);
+    ASSERT_NE(to, std::string::npos);
+    std::string shown = readme.substr(from, to - from);
+    Outcome run = kplan("stats");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out.substr(run.out.find("城乡用地汇总表\n")), shown);
+    // The figures: 82.07 ha of parcels in a scope of 107.55 ha, 25.48 ha between
+    // the blocks; R 29.94 ha is 27.84 % of the land once the gaps count as roads.
+    EXPECT_TRUE(hasWords(run.out, "H 建设用地 82.02 76.26")) << run.out;
+    EXPECT_TRUE(hasWords(run.out, "E 非建设用地 0.05 0.04"));
+    EXPECT_TRUE(hasWords(run.out, "范围内未划定地块 25.48 23.70"));
+    EXPECT_TRUE(hasWords(run.out, "城乡用地 107.55 100.00"));
+    Outcome roads = kplan("stats --remainder S1");
+    EXPECT_TRUE(hasWords(roads.out, "R 居住用地 * 29.94 27.84 16.52")) << roads.out;
+    EXPECT_TRUE(hasWords(roads.out, "S1 其中：城市道路用地 25.49 23.71 14.06"));
+    std::size_t shownS1 = readme.find("$ kplan stats --remainder S1\n");
+    ASSERT_NE(shownS1, std::string::npos);
+    for (const char* code : {"\nS     ", "\nS1      ", "\nH11   "}) {
+        std::size_t at = readme.find(code, shownS1);
+        ASSERT_NE(at, std::string::npos) << code;
+        std::string line = readme.substr(at, readme.find('\n', at + 1) - at + 1);
+        EXPECT_NE(roads.out.find(line), std::string::npos) << line;
+    }
+
+    // Compound codes split by their mix ratio move land from B to R; the total stays.
+    Outcome split = kplan("stats --mixed split --format json");
+    Outcome first = kplan("stats --format json");
+    Json a = Json::parse(split.out), b = Json::parse(first.out);
+    const Json& splitRows = a["tables"][1]["rows"];
+    const Json& firstRows = b["tables"][1]["rows"];
+    double moved = splitRows[0]["values"][0].number() - firstRows[0]["values"][0].number();
+    EXPECT_GT(moved, 1.0);
+    EXPECT_EQ(splitRows[splitRows.size() - 1]["values"][0].number(),
+              firstRows[firstRows.size() - 1]["values"][0].number());
+}
+
+}  // namespace

@@ -4,6 +4,7 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "report/Overlaps.h"
+#include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
 #include "stats/GpcAdaptor.h"
@@ -24,6 +25,12 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     if (m.scoped) {
         kova::ent::GetArea(boundary, m.scopeHectares);
         m.scopeHectares /= 10000;
+    }
+    if (m.scoped) {
+        // Every parcel clipped at once on all cores; within a stats::ClipSession the
+        // answers are kept for the measures below.
+        std::vector<stats::BoundaryClip::Answer> answers;
+        stats::ClipOf(boundary)->classifyMany(parcels, answers);
     }
     AcDbObjectIdArray counted;
     for (AcDbObjectId id : parcels) {

@@ -8,8 +8,8 @@
 
 namespace kplan::report {
 
-// boundary null: every parcel whole, no scope. Run inside a stats::ClipSession when the
-// same parcels are measured again (the clips are then made once).
+// boundary null: every parcel whole, no scope. Run inside a stats::ClipSession: the
+// parcels are clipped once, on all cores, for all the measures.
 Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario);
 
 // The handle text of an object ("2A").

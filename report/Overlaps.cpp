@@ -3,6 +3,8 @@
 #define GEOS_USE_ONLY_R_API
 #include <geos_c.h>
 
+#include <algorithm>
+#include <map>
 #include <memory>
 
 #include "record/DKBJXDInfo.h"
@@ -45,14 +47,21 @@ class Geos {
         }
         GEOSGeometry* shell = GEOSGeom_createLinearRing_r(context_, ring);
         if (shell == nullptr) return nullptr;
-        GEOSGeometry* made = GEOSGeom_createPolygon_r(context_, shell, nullptr, 0);
-        if (made == nullptr) return nullptr;
-        if (GEOSisValid_r(context_, made) != 1) {
-            GEOSGeometry* valid = GEOSMakeValid_r(context_, made);
-            GEOSGeom_destroy_r(context_, made);
-            made = valid;
-        }
-        return keep(made);
+        return keep(GEOSGeom_createPolygon_r(context_, shell, nullptr, 0));
+    }
+
+    // The intersection of two polygons; an outline that crosses itself is made valid first
+    // (GEOS refuses to intersect it as drawn).
+    GEOSGeometry* intersection(GEOSGeometry*& a, GEOSGeometry*& b) {
+        GEOSGeometry* both = keep(GEOSIntersection_r(context_, a, b));
+        if (both != nullptr) return both;
+        a = valid(a);
+        b = valid(b);
+        return keep(GEOSIntersection_r(context_, a, b));
+    }
+
+    GEOSGeometry* valid(GEOSGeometry* g) {
+        return GEOSisValid_r(context_, g) == 1 ? g : keep(GEOSMakeValid_r(context_, g));
     }
 
     double area(const GEOSGeometry* g) const {
@@ -65,63 +74,70 @@ class Geos {
     std::vector<GEOSGeometry*> owned_;
 };
 
-struct Candidates {
-    std::size_t self;
-    std::vector<std::size_t> found;
-};
-
 }  // namespace
 
 Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
     Overlaps result;
+    // Pairs whose extents meet, by a sweep along x; only their outlines go to GEOS.
+    struct Box {
+        double minX, maxX, minY, maxY;
+        int index;
+    };
+    std::vector<Box> boxes;
+    for (int i = 0; i < parcels.length(); ++i) {
+        stats::Outline outline;
+        if (stats::ReadOutline(parcels[i], outline) && outline.points.size() >= 3)
+            boxes.push_back({outline.minX, outline.maxX, outline.minY, outline.maxY, i});
+    }
+    std::sort(boxes.begin(), boxes.end(),
+              [](const Box& a, const Box& b) { return a.minX < b.minX; });
+    std::vector<std::pair<int, int>> pairs;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (std::size_t j = i + 1; j < boxes.size() && boxes[j].minX < boxes[i].maxX; ++j) {
+            if (boxes[j].minY < boxes[i].maxY && boxes[i].minY < boxes[j].maxY)
+                pairs.emplace_back(boxes[i].index, boxes[j].index);
+        }
+    }
+    if (pairs.empty()) return result;
     Geos geos;
     GEOSContextHandle_t h = geos.context();
     GEOSGeometry* scope = boundary.isNull() ? nullptr : geos.polygon(boundary);
-    std::vector<GEOSGeometry*> shapes;
-    for (AcDbObjectId id : parcels) {
-        // A parcel's islands are not its land: a parcel drawn inside one overlaps nothing.
-        GEOSGeometry* shape = geos.polygon(id);
+    std::map<int, GEOSGeometry*> shapes;
+    auto shape = [&](int index) {
+        auto found = shapes.find(index);
+        return found != shapes.end() ? found->second : shapes[index] = geos.polygon(parcels[index]);
+    };
+    // A parcel's islands are not its land: a parcel drawn inside one overlaps nothing. They
+    // are taken out only of the pairs that overlap at all.
+    auto withoutIslands = [&](int index, GEOSGeometry* outline) {
         AcDbObjectIdArray islands;
-        CDKBJXDInfo(id).GetIsland(islands);
+        CDKBJXDInfo(parcels[index]).GetIsland(islands);
         for (AcDbObjectId island : islands) {
             GEOSGeometry* hole = geos.polygon(island);
-            if (shape != nullptr && hole != nullptr)
-                shape = geos.keep(GEOSDifference_r(h, shape, hole));
+            if (outline != nullptr && hole != nullptr)
+                outline = geos.keep(GEOSDifference_r(h, geos.valid(outline), geos.valid(hole)));
         }
-        shapes.push_back(shape);
-    }
-    GEOSSTRtree* tree = GEOSSTRtree_create_r(h, 10);
-    std::vector<std::size_t> index(shapes.size());
-    for (std::size_t i = 0; i < shapes.size(); ++i) {
-        index[i] = i;
-        if (shapes[i] != nullptr) GEOSSTRtree_insert_r(h, tree, shapes[i], &index[i]);
-    }
-    std::vector<bool> overlapping(shapes.size(), false);
+        return outline;
+    };
+    std::vector<bool> overlapping(static_cast<std::size_t>(parcels.length()), false);
     double squareMetres = 0;
-    for (std::size_t i = 0; i < shapes.size(); ++i) {
-        if (shapes[i] == nullptr) continue;
-        Candidates c{i, {}};
-        GEOSSTRtree_query_r(
-            h, tree, shapes[i],
-            [](void* item, void* data) {
-                auto* c = static_cast<Candidates*>(data);
-                std::size_t other = *static_cast<std::size_t*>(item);
-                if (other > c->self) c->found.push_back(other);
-            },
-            &c);
-        for (std::size_t j : c.found) {
-            GEOSGeometry* both = geos.keep(GEOSIntersection_r(h, shapes[i], shapes[j]));
-            if (both != nullptr && scope != nullptr)
-                both = geos.keep(GEOSIntersection_r(h, both, scope));
-            double a = geos.area(both);
-            if (a < kNoiseSquareMetres) continue;
-            squareMetres += a;
-            overlapping[i] = overlapping[j] = true;
-        }
+    for (const auto& [i, j] : pairs) {
+        GEOSGeometry *a = shape(i), *b = shape(j);
+        if (a == nullptr || b == nullptr) continue;
+        GEOSGeometry* both = geos.intersection(a, b);
+        if (geos.area(both) < kNoiseSquareMetres) continue;
+        a = withoutIslands(i, a);
+        b = withoutIslands(j, b);
+        both = a != nullptr && b != nullptr ? geos.intersection(a, b) : nullptr;
+        if (both != nullptr && scope != nullptr) both = geos.intersection(both, scope);
+        double area = geos.area(both);
+        if (area < kNoiseSquareMetres) continue;
+        squareMetres += area;
+        overlapping[static_cast<std::size_t>(i)] = overlapping[static_cast<std::size_t>(j)] = true;
     }
-    GEOSSTRtree_destroy_r(h, tree);
-    for (std::size_t i = 0; i < shapes.size(); ++i) {
-        if (overlapping[i]) result.handles.push_back(handleOf(parcels[static_cast<int>(i)]));
+    for (int i = 0; i < parcels.length(); ++i) {
+        if (overlapping[static_cast<std::size_t>(i)])
+            result.handles.push_back(handleOf(parcels[i]));
     }
     result.hectares = squareMetres / 10000;
     return result;

@@ -1,6 +1,6 @@
 #pragma once
-// Land that two parcels both claim, found with GEOS (an STR tree over the outlines, the
-// area of each overlapping pair): a balance table counts it once and says so instead of
+// Land that two parcels both claim, found with GEOS (the pairs whose extents meet, found
+// by a sweep, intersected): a balance table counts it once and says so instead of
 // adding it twice.
 #include <string>
 #include <vector>

@@ -158,6 +158,22 @@ class Builder {
                 w.handles.push_back(p.handle);
             }
         }
+        if (!m.openOutlines.empty()) {
+            Warning w;
+            w.kind = "left_out";
+            w.scenario = m.scenario;
+            w.detail = "边界线不闭合";
+            w.detailEn = "the outline is not closed";
+            w.handles = m.openOutlines;
+            report_.warnings.push_back(w);
+        }
+        if (!m.zeroAreas.empty()) {
+            Warning w;
+            w.kind = "zero_area";
+            w.scenario = m.scenario;
+            w.handles = m.zeroAreas;
+            report_.warnings.push_back(w);
+        }
         s.overlap = m.overlapHectares;
         if (s.overlap > kNoArea) {
             Warning w;
@@ -539,6 +555,10 @@ std::string describe(const Warning& w, bool english) {
         return what +
                (english ? "parcels overlap: " + area + " would be counted twice; taken off once"
                         : "地块相互重叠 " + area + "，重复部分已扣除一次") +
+               list;
+    }
+    if (w.kind == "zero_area") {
+        return what + (english ? "parcels without area, counted as 0" : "地块面积为零，按 0 计入") +
                list;
     }
     if (w.kind == "left_out") {

@@ -28,9 +28,11 @@ struct Measured {
     std::vector<ParcelArea> parcels;
     bool scoped = false;  // measured within a scope line
     double scopeHectares = 0;
-    double overlapHectares = 0;            // land inside the scope that two parcels both hold
-    std::vector<std::string> overlapping;  // handles of the parcels concerned
-    long population = 0;                   // FN_ZRKS of the parcels, or as given
+    double overlapHectares = 0;             // land inside the scope that two parcels both hold
+    std::vector<std::string> overlapping;   // handles of the parcels concerned
+    long population = 0;                    // FN_ZRKS of the parcels, or as given
+    std::vector<std::string> openOutlines;  // parcels left out: outlines that are not closed
+    std::vector<std::string> zeroAreas;     // parcels counted with no area
 };
 
 enum class MixedCodes { First, Split };
@@ -44,8 +46,8 @@ struct BalanceOptions {
 
 // Something the reader of a table must know: what is left out, guessed or out of range.
 struct Warning {
-    std::string kind;  // "empty_code", "unknown_code", "code_case", "mixed_ratio",
-                       // "remainder", "overlap", "left_out", "range"
+    std::string kind;  // "empty_code", "unknown_code", "code_case", "mixed_ratio", "zero_area",
+                       // "remainder", "overlap", "left_out"
     Scenario scenario = Scenario::Planned;
     std::string code;  // the code as written, where one concerns it
     double hectares = 0;

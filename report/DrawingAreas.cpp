@@ -1,5 +1,6 @@
 #include "report/DrawingAreas.h"
 
+#include "host/arx/dbcurve.h"
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
@@ -34,6 +35,16 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     }
     AcDbObjectIdArray counted;
     for (AcDbObjectId id : parcels) {
+        // An open outline holds no land: it is left out, and named.
+        AcDbCurve* curve = nullptr;
+        if (acdbOpenObject(curve, id, AcDb::kForRead) == Acad::eOk) {
+            bool closed = curve->isClosed();
+            curve->close();
+            if (!closed) {
+                m.openOutlines.push_back(handleOf(id));
+                continue;
+            }
+        }
         ParcelArea p;
         CDKBJXDInfo record(id);
         if (!m.scoped) {
@@ -50,6 +61,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
             }
         }
         counted.append(id);
+        if (!(p.hectares > 1e-9)) m.zeroAreas.push_back(handleOf(id));
         CString code, ratio;
         record.GetData(dk::FS_DKXZ, code);
         record.GetData(dk::FS_HHBL, ratio);

@@ -696,3 +696,99 @@ TEST(KplanStatsTest, TheReadmeShowsTheSampleAsPrinted) {
 }
 
 }  // namespace
+
+namespace {
+
+// Whether text is well-formed UTF-8 (no stray bytes, no encoded surrogates).
+bool wellFormedUtf8(const std::string& text) {
+    for (std::size_t i = 0; i < text.size();) {
+        auto c = static_cast<unsigned char>(text[i]);
+        int extra = c < 0x80 ? 0 : (c >> 5) == 6 ? 1 : (c >> 4) == 14 ? 2 : (c >> 3) == 30 ? 3 : -1;
+        if (extra < 0 || i + static_cast<std::size_t>(extra) >= text.size() + (extra == 0))
+            return false;
+        for (int k = 1; k <= extra; ++k) {
+            if ((static_cast<unsigned char>(text[i + static_cast<std::size_t>(k)]) & 0xC0) != 0x80)
+                return false;
+        }
+        if (c == 0xED && (static_cast<unsigned char>(text[i + 1]) & 0x20)) return false;
+        i += static_cast<std::size_t>(extra) + 1;
+    }
+    return true;
+}
+
+// Parcels the tables cannot count: an open outline, an outline without area, a code
+// that is no text (a lone UTF-16 surrogate); and the 1990 table's order.
+TEST(KplanStatsTest, WhatCannotBeCountedIsNamedAndTheJsonStaysUtf8) {
+    AcApDocument* document = acDocManager->appendDocument();
+    AcDbObjectId scope = rectangle(0, 0, 100, 100);
+    ARX_DATA::CFGisXData::SetTo(scope, dk::FAPP_GHFWX, L"", L"规划范围线");
+    AcDbObjectId good = rectangle(0, 0, 50, 50);
+    planned(good, L"D-01", L"R21", L"10");
+    auto* open = new AcDbPolyline();
+    open->addVertexAt(0, AcGePoint2d(X0 + 60, Y0 + 10));
+    open->addVertexAt(1, AcGePoint2d(X0 + 90, Y0 + 10));
+    open->addVertexAt(2, AcGePoint2d(X0 + 90, Y0 + 40));
+    AcDbEntity* openEntity = open;
+    AcDbObjectId openId = kova::ent::SafeAddToDb(openEntity);
+    planned(openId, L"D-02", L"B1", L"0");
+    AcDbObjectId flat = rectangle(60, 60, 90, 60);
+    planned(flat, L"D-03", L"G1", L"0");
+    AcDbObjectId odd = rectangle(0, 60, 50, 100);
+    const wchar_t surrogate[] = {L'R', static_cast<wchar_t>(0xD800), 0};
+    planned(odd, L"D-04", surrogate, L"0");
+    const std::string openHandle = handleOf(openId), flatHandle = handleOf(flat),
+                      oddHandle = handleOf(odd);
+    std::string path = testFolder() + "/left-out-parcels.dxf";
+    std::string error;
+    ASSERT_TRUE(dxf::save(*document->database(), path, error)) << error;
+    acDocManager->closeDocument(document);
+
+    Outcome run = kplan("stats '" + path + "' --format json");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_TRUE(wellFormedUtf8(run.out));
+    Json json = Json::parse(run.out);
+    ASSERT_TRUE(json.ok()) << run.out;
+    std::vector<std::string> kinds;
+    for (std::size_t i = 0; i < json["warnings"].size(); ++i) {
+        const Json& w = json["warnings"][i];
+        std::string handles;
+        for (std::size_t k = 0; k < w["handles"].size(); ++k)
+            handles += " " + w["handles"][k].string();
+        kinds.push_back(w["kind"].string() + handles);
+    }
+    auto has = [&](const std::string& line) {
+        return std::find(kinds.begin(), kinds.end(), line) != kinds.end();
+    };
+    std::string all;
+    for (const std::string& k : kinds)
+        all += k + "\n";
+    EXPECT_TRUE(has("left_out " + openHandle)) << all;
+    EXPECT_TRUE(has("unknown_code " + oddHandle)) << all;
+    // An outline without area lies in no scope; over the whole drawing it is named.
+    Outcome whole = kplan("stats '" + path + "' --boundary none --format json");
+    Json wholeJson = Json::parse(whole.out);
+    bool zero = false;
+    for (std::size_t i = 0; i < wholeJson["warnings"].size(); ++i) {
+        const Json& w = wholeJson["warnings"][i];
+        zero = zero || (w["kind"].string() == "zero_area" && w["handles"].size() == 1 &&
+                        w["handles"][0].string() == flatHandle);
+    }
+    EXPECT_TRUE(zero) << whole.out;
+    Outcome csv = kplan("stats '" + path + "' --format csv");
+    EXPECT_TRUE(wellFormedUtf8(csv.out));
+
+    // The city land table of GBJ 137-90 in its order, construction land before water.
+    Outcome old = kplan("stats '" + path + "' --table 1990国标城市用地类别.txt --format json");
+    Json table = Json::parse(old.out)["tables"][0];
+    EXPECT_EQ(table["key"].string(), "urban_land");
+    std::string order;
+    for (std::size_t i = 0; i < table["rows"].size(); ++i) {
+        const Json& row = table["rows"][i];
+        if (row["level"].number() == 0)
+            order +=
+                (row["code"].string().empty() ? row["name"].string() : row["code"].string()) + " ";
+    }
+    EXPECT_EQ(order, "R C M W T S U G D 城市建设用地 E 未识别用地代码 范围内未划定地块 城市用地 ");
+}
+
+}  // namespace

@@ -19,20 +19,17 @@
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
-#include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
-#include "record/DYBJInfo.h"
-#include "record/JFBJInfo.h"
 #include "record/XDataAccess.h"
 #include "report/Balance.h"
 #include "report/ClassHierarchy.h"
 #include "report/CsvWriter.h"
-#include "report/DrawingAreas.h"
 #include "report/JsonWriter.h"
+#include "report/PlanReport.h"
 #include "report/TerminalWriter.h"
 #include "report/XlsxWriter.h"
 #include "stats/BoundaryClip.h"
@@ -251,11 +248,7 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     return b;
 }
 
-// The tables of one planning unit or block, measured within its outline.
-struct Section {
-    std::string kind, number, handle;
-    report::Report tables;
-};
+using report::Section;
 
 void printTable(const StatsArgs& args, const std::string& path, const Balance& b,
                 const report::Report& tables) {
@@ -353,32 +346,21 @@ void printJson(const std::string& path, const Balance& b, const report::Report& 
     std::cout << report::dumpJson(out);
 }
 
-// The scenarios of the run: current status and plan side by side when the drawing holds
-// both, current status alone with --status.
-std::vector<report::Measured> measureScenarios(const StatsArgs& args, AcDbObjectId boundary) {
-    std::vector<report::Measured> measured;
-    AcDbObjectIdArray current, planned;
-    CDKBJXDInfo::GetAllXZYD(current);
-    if (!args.status) CDKBJXDInfo::GetDkbj(planned);
-    report::Measured status = report::measureParcels(current, boundary, report::Scenario::Current);
-    // Current status beside the plan only where it has parcels within the scope.
-    if (args.status || !status.parcels.empty()) measured.push_back(std::move(status));
-    if (!args.status)
-        measured.push_back(report::measureParcels(planned, boundary, report::Scenario::Planned));
-    if (args.population >= 0) measured.back().population = args.population;
-    return measured;
+report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
+    report::PlanOptions options;
+    options.balance.remainderCode = args.remainder;
+    options.balance.unit = unit;
+    options.balance.decimals = args.decimals;
+    options.balance.mixed =
+        args.mixed == "split" ? report::MixedCodes::Split : report::MixedCodes::First;
+    options.currentOnly = args.status;
+    options.population = args.population;
+    return options;
 }
 
 bool buildTables(const StatsArgs& args, AcDbObjectId boundary, report::AreaUnit unit,
                  const Balance& balance, report::Report& tables, std::string& error) {
-    report::BalanceOptions options;
-    options.remainderCode = args.remainder;
-    options.unit = unit;
-    options.decimals = args.decimals;
-    options.mixed = args.mixed == "split" ? report::MixedCodes::Split : report::MixedCodes::First;
-    if (!report::buildReport(report::ClassHierarchy::Current(), measureScenarios(args, boundary),
-                             options, tables, error))
-        return false;
+    if (!report::buildPlanReport(boundary, planOptions(args, unit), tables, error)) return false;
     if (!balance.olderGeneration.isEmpty()) {
         report::Warning w;
         w.kind = "left_out";
@@ -388,41 +370,6 @@ bool buildTables(const StatsArgs& args, AcDbObjectId boundary, report::AreaUnit 
             w.handles.push_back(handleText(id));
         tables.warnings.push_back(w);
     }
-    return true;
-}
-
-bool buildSections(const StatsArgs& args, report::AreaUnit unit, std::vector<Section>& sections,
-                   std::string& error) {
-    if (args.by.empty()) return true;
-    bool units = args.by == "unit";
-    AcDbObjectIdArray outlines;
-    if (units) {
-        CDYBJInfo::GetDYbj(outlines);
-    } else {
-        CJFBJInfo::GetJFbj(outlines);
-    }
-    report::BalanceOptions options;
-    options.remainderCode = args.remainder;
-    options.unit = unit;
-    options.decimals = args.decimals;
-    options.mixed = args.mixed == "split" ? report::MixedCodes::Split : report::MixedCodes::First;
-    for (AcDbObjectId id : outlines) {
-        Section section;
-        section.kind = args.by;
-        CString number;
-        ARX_DATA::CFGisXData::GetFrom(id, units ? dk::FS_DYBH : dk::FS_JFBH, number);
-        number.Trim();
-        section.number = number.ToUtf8();
-        section.handle = handleText(id);
-        StatsArgs own = args;
-        own.population = -1;  // the population given is the whole plan's
-        if (!report::buildReport(report::ClassHierarchy::Current(), measureScenarios(own, id),
-                                 options, section.tables, error))
-            return false;
-        sections.push_back(std::move(section));
-    }
-    std::stable_sort(sections.begin(), sections.end(),
-                     [](const Section& a, const Section& b) { return a.number < b.number; });
     return true;
 }
 
@@ -467,7 +414,8 @@ int runStats(StatsArgs args) {
     report::Report tables;
     std::vector<Section> sections;
     if (!buildTables(args, boundary, unit, balance, tables, error) ||
-        !buildSections(args, unit, sections, error)) {
+        (!args.by.empty() &&
+         !report::buildSections(args.by, planOptions(args, unit), sections, error))) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }

@@ -1,0 +1,61 @@
+#include "report/PlanReport.h"
+
+#include <algorithm>
+
+#include "host/kova/ArxDataXData.h"
+#include "record/DKBJXDInfo.h"
+#include "record/DKKeys.h"
+#include "record/DYBJInfo.h"
+#include "record/JFBJInfo.h"
+#include "report/ClassHierarchy.h"
+#include "report/DrawingAreas.h"
+
+namespace kplan::report {
+
+std::vector<Measured> measureScenarios(AcDbObjectId boundary, const PlanOptions& options) {
+    std::vector<Measured> measured;
+    AcDbObjectIdArray current, planned;
+    CDKBJXDInfo::GetAllXZYD(current);
+    if (!options.currentOnly) CDKBJXDInfo::GetDkbj(planned);
+    Measured status = measureParcels(current, boundary, Scenario::Current);
+    if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
+    if (!options.currentOnly)
+        measured.push_back(measureParcels(planned, boundary, Scenario::Planned));
+    if (options.population >= 0) measured.back().population = options.population;
+    return measured;
+}
+
+bool buildPlanReport(AcDbObjectId boundary, const PlanOptions& options, Report& report,
+                     std::string& error) {
+    return buildReport(ClassHierarchy::Current(), measureScenarios(boundary, options),
+                       options.balance, report, error);
+}
+
+bool buildSections(const std::string& by, const PlanOptions& options,
+                   std::vector<Section>& sections, std::string& error) {
+    bool units = by == "unit";
+    AcDbObjectIdArray outlines;
+    if (units) {
+        CDYBJInfo::GetDYbj(outlines);
+    } else {
+        CJFBJInfo::GetJFbj(outlines);
+    }
+    PlanOptions own = options;
+    own.population = -1;
+    for (AcDbObjectId id : outlines) {
+        Section section;
+        section.kind = by;
+        CString number;
+        ARX_DATA::CFGisXData::GetFrom(id, units ? dk::FS_DYBH : dk::FS_JFBH, number);
+        number.Trim();
+        section.number = number.ToUtf8();
+        section.handle = handleOf(id);
+        if (!buildPlanReport(id, own, section.tables, error)) return false;
+        sections.push_back(std::move(section));
+    }
+    std::stable_sort(sections.begin(), sections.end(),
+                     [](const Section& a, const Section& b) { return a.number < b.number; });
+    return true;
+}
+
+}  // namespace kplan::report

@@ -1,0 +1,40 @@
+#pragma once
+// The balance tables of the drawing that is open: its parcels measured within a boundary
+// (current status beside the plan when it has parcels there), and per planning unit or
+// block within their outlines.
+#include <string>
+#include <vector>
+
+#include "host/arx/dbmain.h"
+#include "report/Balance.h"
+
+namespace kplan::report {
+
+struct PlanOptions {
+    BalanceOptions balance;
+    bool currentOnly = false;  // the current-status parcels alone (no plan)
+    long population = -1;      // of the plan (or of current status alone); -1: FN_ZRKS
+};
+
+// The column groups of the tables: 现状 where current-status parcels lie within the
+// boundary (always with currentOnly), then 规划.
+std::vector<Measured> measureScenarios(AcDbObjectId boundary, const PlanOptions& options);
+
+// The tables within boundary (null: the whole drawing). False with a message when the
+// options name a class the table lacks.
+bool buildPlanReport(AcDbObjectId boundary, const PlanOptions& options, Report& report,
+                     std::string& error);
+
+// The tables of one planning unit or block.
+struct Section {
+    std::string kind;  // "unit" or "block"
+    std::string number, handle;
+    Report tables;
+};
+
+// Every unit's (by "unit") or block's (by "block") tables within its outline, ordered by
+// number; the population given holds for the whole plan, so each counts its parcels' own.
+bool buildSections(const std::string& by, const PlanOptions& options,
+                   std::vector<Section>& sections, std::string& error);
+
+}  // namespace kplan::report

@@ -14,8 +14,8 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "report/Balance.h"
-#include "report/DrawingAreas.h"
 #include "report/JsonWriter.h"
+#include "report/PlanReport.h"
 #include "report/TerminalWriter.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
@@ -57,9 +57,8 @@ const BoundaryTotal kTotals[] = {FGetHArea,  FGetH1Area, FGetH11Area, FGetH2Area
                                  FGetEArea,  FGetE1Area, FGetE2Area,  FGetE3Area};
 
 // What "kplan stats" measured before the tables.
-double todaysStats(AcDbObjectId boundary) {
-    AcDbObjectIdArray all, counted, crossing;
-    CDKBJXDInfo::GetDkbj(all);
+double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all) {
+    AcDbObjectIdArray counted, crossing;
     std::vector<stats::BoundaryClip::Answer> answers;
     stats::ClipOf(boundary)->classifyMany(all, answers);
     for (AcDbObjectId id : all) {
@@ -86,7 +85,9 @@ void BM_TodaysStats(benchmark::State& state) {
     bench::StatsDrawing& d = drawing();
     for (auto _ : state) {
         stats::ClipSession session;
-        benchmark::DoNotOptimize(todaysStats(d.boundary));
+        AcDbObjectIdArray all;
+        CDKBJXDInfo::GetDkbj(all);
+        benchmark::DoNotOptimize(todaysStats(d.boundary, all));
     }
 }
 BENCHMARK(BM_TodaysStats)->Unit(benchmark::kMillisecond)->Iterations(3);
@@ -97,24 +98,16 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
     CKovaDataSet::FSetGStandardDirPath(CString::FromUtf8(KPLAN_SOURCE_DIR "/data/standards"));
     CKovaDataSet::FSetStandardName(L"通用国标");
     CKovaDataSet::FSetCurYDLB(L"2011国标城乡用地类别.txt");
-    kplan::report::ClassHierarchy classes = kplan::report::ClassHierarchy::Current();
     std::size_t rows = 0;
     for (auto _ : state) {
+        // As kplan stats runs: the parcels found once, the statistics of before, the tables.
         stats::ClipSession session;
-        benchmark::DoNotOptimize(todaysStats(d.boundary));
-        AcDbObjectIdArray current, planned;
-        CDKBJXDInfo::GetDkbj(planned);
-        std::vector<kplan::report::Measured> measured;
-        if (withCurrentStatus) {
-            CDKBJXDInfo::GetAllXZYD(current);
-            measured.push_back(kplan::report::measureParcels(current, d.boundary,
-                                                             kplan::report::Scenario::Current));
-        }
-        measured.push_back(
-            kplan::report::measureParcels(planned, d.boundary, kplan::report::Scenario::Planned));
+        kplan::report::ParcelLists parcels = kplan::report::findParcels(false);
+        if (!withCurrentStatus) parcels.current.removeAll();
+        benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned));
         kplan::report::Report report;
         std::string error;
-        kplan::report::buildReport(classes, measured, {}, report, error);
+        kplan::report::buildPlanReport(parcels, d.boundary, {}, report, error);
         std::string text = kplan::report::terminalTables(report, false) +
                            kplan::report::dumpJson(kplan::report::tablesJson(report));
         rows = 0;

@@ -180,16 +180,13 @@ std::vector<ClassArea> named(const CStringArray& codes, const AcGeDoubleArray& a
 }
 
 Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
-                const ClassNames& names) {
+                const report::ParcelLists& parcels, const ClassNames& names) {
     // Nothing here changes the drawing, so each parcel is clipped once for all the totals.
     stats::ClipSession session;
     Balance b;
     b.boundary = boundary;
-    AcDbObjectIdArray all, counted, crossing;
-    if (status) {
-        CDKBJXDInfo::GetAllXZYD(all);
-    } else {
-        CDKBJXDInfo::GetDkbj(all);
+    AcDbObjectIdArray all = status ? parcels.current : parcels.planned, counted, crossing;
+    if (!status) {
         // The balance counts the parcels the current-generation scan finds, as the CAD
         // command does; say so when the drawing has others.
         b.olderGeneration = olderGenerationParcels(database, all);
@@ -358,9 +355,11 @@ report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
     return options;
 }
 
-bool buildTables(const StatsArgs& args, AcDbObjectId boundary, report::AreaUnit unit,
-                 const Balance& balance, report::Report& tables, std::string& error) {
-    if (!report::buildPlanReport(boundary, planOptions(args, unit), tables, error)) return false;
+bool buildTables(const StatsArgs& args, const report::ParcelLists& parcels, AcDbObjectId boundary,
+                 report::AreaUnit unit, const Balance& balance, report::Report& tables,
+                 std::string& error) {
+    if (!report::buildPlanReport(parcels, boundary, planOptions(args, unit), tables, error))
+        return false;
     if (!balance.olderGeneration.isEmpty()) {
         report::Warning w;
         w.kind = "left_out";
@@ -410,12 +409,13 @@ int runStats(StatsArgs args) {
     ClassNames names;
     // The balance tables measure the same parcels again: one session clips each once.
     stats::ClipSession session;
-    Balance balance = measure(*drawing.database(), boundary, args.status, names);
+    report::ParcelLists parcels = report::findParcels(args.status);
+    Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
     report::Report tables;
     std::vector<Section> sections;
-    if (!buildTables(args, boundary, unit, balance, tables, error) ||
+    if (!buildTables(args, parcels, boundary, unit, balance, tables, error) ||
         (!args.by.empty() &&
-         !report::buildSections(args.by, planOptions(args, unit), sections, error))) {
+         !report::buildSections(parcels, args.by, planOptions(args, unit), sections, error))) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }

@@ -85,9 +85,17 @@ Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
     };
     std::vector<Box> boxes;
     for (int i = 0; i < parcels.length(); ++i) {
-        stats::Outline outline;
-        if (stats::ReadOutline(parcels[i], outline) && outline.points.size() >= 3)
-            boxes.push_back({outline.minX, outline.maxX, outline.minY, outline.maxY, i});
+        // The extents the entity keeps (arcs included): no outline is read for a parcel
+        // that meets no other.
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenObject(entity, parcels[i], AcDb::kForRead) != Acad::eOk) continue;
+        AcDbExtents extents;
+        bool known = entity->getGeomExtents(extents) == Acad::eOk;
+        entity->close();
+        if (known) {
+            boxes.push_back({extents.minPoint().x, extents.maxPoint().x, extents.minPoint().y,
+                             extents.maxPoint().y, i});
+        }
     }
     std::sort(boxes.begin(), boxes.end(),
               [](const Box& a, const Box& b) { return a.minX < b.minX; });

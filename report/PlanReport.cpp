@@ -12,26 +12,31 @@
 
 namespace kplan::report {
 
-std::vector<Measured> measureScenarios(AcDbObjectId boundary, const PlanOptions& options) {
+ParcelLists findParcels(bool currentOnly) {
+    ParcelLists lists;
+    CDKBJXDInfo::GetAllXZYD(lists.current);
+    if (!currentOnly) CDKBJXDInfo::GetDkbj(lists.planned);
+    return lists;
+}
+
+std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId boundary,
+                                       const PlanOptions& options) {
     std::vector<Measured> measured;
-    AcDbObjectIdArray current, planned;
-    CDKBJXDInfo::GetAllXZYD(current);
-    if (!options.currentOnly) CDKBJXDInfo::GetDkbj(planned);
-    Measured status = measureParcels(current, boundary, Scenario::Current);
+    Measured status = measureParcels(parcels.current, boundary, Scenario::Current);
     if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
     if (!options.currentOnly)
-        measured.push_back(measureParcels(planned, boundary, Scenario::Planned));
+        measured.push_back(measureParcels(parcels.planned, boundary, Scenario::Planned));
     if (options.population >= 0) measured.back().population = options.population;
     return measured;
 }
 
-bool buildPlanReport(AcDbObjectId boundary, const PlanOptions& options, Report& report,
-                     std::string& error) {
-    return buildReport(ClassHierarchy::Current(), measureScenarios(boundary, options),
+bool buildPlanReport(const ParcelLists& parcels, AcDbObjectId boundary, const PlanOptions& options,
+                     Report& report, std::string& error) {
+    return buildReport(ClassHierarchy::Current(), measureScenarios(parcels, boundary, options),
                        options.balance, report, error);
 }
 
-bool buildSections(const std::string& by, const PlanOptions& options,
+bool buildSections(const ParcelLists& parcels, const std::string& by, const PlanOptions& options,
                    std::vector<Section>& sections, std::string& error) {
     bool units = by == "unit";
     AcDbObjectIdArray outlines;
@@ -50,7 +55,7 @@ bool buildSections(const std::string& by, const PlanOptions& options,
         number.Trim();
         section.number = number.ToUtf8();
         section.handle = handleOf(id);
-        if (!buildPlanReport(id, own, section.tables, error)) return false;
+        if (!buildPlanReport(parcels, id, own, section.tables, error)) return false;
         sections.push_back(std::move(section));
     }
     std::stable_sort(sections.begin(), sections.end(),

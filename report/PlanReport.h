@@ -10,6 +10,13 @@
 
 namespace kplan::report {
 
+// The parcels of the drawing, found once for every table of a run.
+struct ParcelLists {
+    AcDbObjectIdArray current, planned;
+};
+// The current-status parcels, and the planned ones unless currentOnly.
+ParcelLists findParcels(bool currentOnly);
+
 struct PlanOptions {
     BalanceOptions balance;
     bool currentOnly = false;  // the current-status parcels alone (no plan)
@@ -18,12 +25,13 @@ struct PlanOptions {
 
 // The column groups of the tables: 现状 where current-status parcels lie within the
 // boundary (always with currentOnly), then 规划.
-std::vector<Measured> measureScenarios(AcDbObjectId boundary, const PlanOptions& options);
+std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId boundary,
+                                       const PlanOptions& options);
 
 // The tables within boundary (null: the whole drawing). False with a message when the
 // options name a class the table lacks.
-bool buildPlanReport(AcDbObjectId boundary, const PlanOptions& options, Report& report,
-                     std::string& error);
+bool buildPlanReport(const ParcelLists& parcels, AcDbObjectId boundary, const PlanOptions& options,
+                     Report& report, std::string& error);
 
 // The tables of one planning unit or block.
 struct Section {
@@ -34,7 +42,7 @@ struct Section {
 
 // Every unit's (by "unit") or block's (by "block") tables within its outline, ordered by
 // number; the population given holds for the whole plan, so each counts its parcels' own.
-bool buildSections(const std::string& by, const PlanOptions& options,
+bool buildSections(const ParcelLists& parcels, const std::string& by, const PlanOptions& options,
                    std::vector<Section>& sections, std::string& error);
 
 }  // namespace kplan::report

@@ -241,8 +241,12 @@ class Builder {
         std::vector<double> values;
         for (const Sums& s : sums_)
             values.push_back(area(s));
+        return push(d, std::move(row), std::move(values), inBase);
+    }
+
+    static int push(Draft& d, Row row, std::vector<double> hectares, bool inBase) {
         d.table.rows.push_back(std::move(row));
-        d.hectares.push_back(values);
+        d.hectares.push_back(std::move(hectares));
         d.inBase.push_back(inBase);
         return static_cast<int>(d.table.rows.size()) - 1;
     }
@@ -300,18 +304,13 @@ class Builder {
         row.name = name;
         row.nameEn = nameEn;
         row.parts = parts;
-        std::vector<int> partRows = parts;
-        int at = addRow(
-            d, row,
-            [&d, partRows, this](const Sums& s) {
-                std::size_t group = static_cast<std::size_t>(&s - sums_.data());
-                double total = 0;
-                for (int p : partRows)
-                    total += d.hectares[static_cast<std::size_t>(p)][group];
-                return total;
-            },
-            inBase);
-        return at;
+        // The sum of its parts in each column group.
+        std::vector<double> values(sums_.size(), 0.0);
+        for (int p : parts) {
+            for (std::size_t g = 0; g < sums_.size(); ++g)
+                values[g] += d.hectares[static_cast<std::size_t>(p)][g];
+        }
+        return push(d, std::move(row), std::move(values), inBase);
     }
 
     // The classes a row of a class splits into wholly, for rounding.

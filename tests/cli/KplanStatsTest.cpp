@@ -482,6 +482,10 @@ TEST(KplanStatsTest, TheStandardsTablesBalanceWithTheScope) {
     EXPECT_DOUBLE_EQ(last["values"][2].number(), 1.0);
     const Json& unitCity = units["by"][0]["tables"][1]["rows"];
     EXPECT_DOUBLE_EQ(unitCity[0]["values"][5].number(), 50.0);  // R21 0.5 ha for 100
+    Outcome csv = kplan("stats '" + balancedPlan() + "' --by unit --format csv");
+    EXPECT_NE(csv.out.find("\r\nrural_urban@U-01,0,H,建设用地,1.00,100.00,0.75,75.00\r\n"),
+              std::string::npos)
+        << csv.out;
     Outcome text = kplan("stats '" + balancedPlan() + "' --by unit");
     EXPECT_NE(text.out.find("\n== 单元 U-01（"), std::string::npos) << text.out;
     EXPECT_NE(run.out.find("- 范围内未划定地块 0.5000 公顷，占范围 25.00%（单列一行）"),

@@ -43,7 +43,7 @@ std::string alignedTable(const std::vector<std::vector<std::string>>& rows,
     for (const auto& row : rows) {
         if (widths.size() < row.size()) widths.resize(row.size(), 0);
         for (std::size_t c = 0; c < row.size(); ++c)
-            widths[c] = std::max(widths[c], displayWidth(row[c]));
+            widths[c] = (std::max)(widths[c], displayWidth(row[c]));
     }
     std::string out;
     for (const auto& row : rows) {

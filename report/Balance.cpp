@@ -405,8 +405,8 @@ class Builder {
             for (int mid : classes_.node(root).children) {
                 addClass(rural, mid, 1, false);
                 if (mid != h1) continue;
-                for (int minor : classes_.node(mid).children)
-                    addClass(rural, minor, 2, true);
+                for (int leaf : classes_.node(mid).children)
+                    addClass(rural, leaf, 2, true);
             }
         }
         addOtherLand(rural, top, true);

@@ -691,6 +691,12 @@ TEST(KplanStatsTest, TheReadmeShowsTheSampleAsPrinted) {
     Outcome split = kplan("stats --mixed split --format json");
     Outcome first = kplan("stats --format json");
     Json a = Json::parse(split.out), b = Json::parse(first.out);
+    // The tables stand on the library's totals: H of the table is FGetHArea to the
+    // printed place (every code of the sample is in the class table).
+    EXPECT_EQ(b["tables"][0]["rows"][0]["code"].string(), "H");
+    EXPECT_NEAR(b["tables"][0]["rows"][0]["values"][0].number(), b["totals"]["H"].number(), 0.005);
+    EXPECT_NEAR(b["tables"][1]["rows"][b["tables"][1]["rows"].size() - 1]["values"][0].number(),
+                b["totals"]["H11"].number(), 0.005);
     const Json& splitRows = a["tables"][1]["rows"];
     const Json& firstRows = b["tables"][1]["rows"];
     double moved = splitRows[0]["values"][0].number() - firstRows[0]["values"][0].number();

@@ -18,8 +18,8 @@ std::string handleOf(AcDbObjectId id) {
     return CString(text).ToUtf8();
 }
 
-Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
-                        Scenario scenario) {
+Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario,
+                        bool readMixRatio) {
     Measured m;
     m.scenario = scenario;
     m.scoped = !boundary.isNull();
@@ -64,7 +64,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
         if (!(p.hectares > 1e-9)) m.zeroAreas.push_back(handleOf(id));
         CString code, ratio;
         record.GetData(dk::FS_DKXZ, code);
-        record.GetData(dk::FS_HHBL, ratio);
+        if (readMixRatio) record.GetData(dk::FS_HHBL, ratio);
         p.handle = handleOf(id);
         p.code = code.ToUtf8();
         p.ratio = ratio.ToUtf8();

@@ -9,8 +9,10 @@
 namespace kplan::report {
 
 // boundary null: every parcel whole, no scope. Run inside a stats::ClipSession: the
-// parcels are clipped once, on all cores, for all the measures.
-Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario);
+// parcels are clipped once, on all cores, for all the measures. The mix ratio "FS_HHBL"
+// is read only with readMixRatio (for --mixed split).
+Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario,
+                        bool readMixRatio = false);
 
 // The handle text of an object ("2A").
 std::string handleOf(AcDbObjectId id);

@@ -22,10 +22,11 @@ ParcelLists findParcels(bool currentOnly) {
 std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId boundary,
                                        const PlanOptions& options) {
     std::vector<Measured> measured;
-    Measured status = measureParcels(parcels.current, boundary, Scenario::Current);
+    bool split = options.balance.mixed == MixedCodes::Split;
+    Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split);
     if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
     if (!options.currentOnly)
-        measured.push_back(measureParcels(parcels.planned, boundary, Scenario::Planned));
+        measured.push_back(measureParcels(parcels.planned, boundary, Scenario::Planned, split));
     if (options.population >= 0) measured.back().population = options.population;
     return measured;
 }

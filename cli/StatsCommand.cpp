@@ -476,7 +476,9 @@ int runStats(StatsArgs args) {
 
 void addStatsCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand(
-        "stats", "Land-use balance table: totals H to E3, areas by class, population");
+        "stats",
+        "Land-use balance tables of the drawing's standard (城乡用地汇总表, 城市建设用地平衡表), "
+        "within its scope line");
     auto args = std::make_shared<StatsArgs>();
     command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
     command

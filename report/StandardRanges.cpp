@@ -16,6 +16,12 @@ std::string limits(const StandardRange& r, bool english) {
     return fixed(r.low, 1) + "–" + fixed(r.high, 1);
 }
 
+// "表4.3.1" as "table 4.3.1"; a clause ("4.3.3") as it is.
+std::string tableEn(const std::string& table) {
+    const std::string mark = "表";
+    return table.compare(0, mark.size(), mark) == 0 ? "table " + table.substr(mark.size()) : table;
+}
+
 }  // namespace
 
 const std::vector<StandardRange>& rangesOf2011() {
@@ -66,7 +72,7 @@ void checkRanges(Table& table, const std::vector<StandardRange>& ranges) {
                 table.notesEn.push_back(row.code + " " + row.name + ": planned " +
                                         (share ? "share of urban construction land " + figure + " %"
                                                : figure + " m2 a person") +
-                                        "; GB 50137-2011 " + range.table + ": " +
+                                        "; GB 50137-2011 " + tableEn(range.table) + ": " +
                                         limits(range, true) + (share ? " %" : " m2 a person"));
             }
         }

@@ -14,6 +14,7 @@
 #include "host/mfc/CString.h"
 #include "record/DKBJXDInfo.h"
 #include "record/XDataAccess.h"
+#include "report/DrawingAreas.h"
 
 namespace kplan::cli {
 
@@ -205,9 +206,7 @@ int openForReport(const std::string& drawingArgument, const std::string& formatA
 }
 
 std::string handleText(AcDbObjectId id) {
-    ACHAR buffer[17] = {};
-    id.handle().getIntoAsciiBuffer(buffer);
-    return CString(buffer).ToUtf8();
+    return report::handleOf(id);
 }
 
 }  // namespace kplan::cli

@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "report/CsvWriter.h"
+#include "report/TextColumns.h"
+
 namespace kplan::cli {
 
 enum class Format { Table, Csv, Json };
@@ -12,21 +15,17 @@ enum class Format { Table, Csv, Json };
 // "table", "csv" or "json".
 bool parseFormat(const std::string& text, Format& format);
 
-// Terminal columns a UTF-8 text takes: East Asian wide characters count two.
-std::size_t displayWidth(std::string_view utf8);
+// Aligned columns for the terminal, shared with the balance tables.
+using report::alignedTable;
+using report::displayWidth;
+using report::fixed;
 
-// Rows of cells printed in columns; right-aligned columns are marked in rightAligned.
-std::string alignedTable(const std::vector<std::vector<std::string>>& rows,
-                         const std::vector<bool>& rightAligned);
-
-std::string csvField(std::string_view text);
-std::string csvRow(const std::vector<std::string>& cells);
+// CSV as RFC 4180 has it, shared with the balance tables.
+using report::csvField;
+using report::csvRow;
 
 std::string jsonString(std::string_view utf8);
 // The shortest text that reads back to the same double; null for NaN and infinities.
 std::string jsonNumber(double value);
-
-// value with a fixed number of decimals ("12.35").
-std::string fixed(double value, int decimals);
 
 }  // namespace kplan::cli

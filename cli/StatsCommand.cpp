@@ -25,6 +25,13 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/XDataAccess.h"
+#include "report/Balance.h"
+#include "report/ClassHierarchy.h"
+#include "report/CsvWriter.h"
+#include "report/JsonWriter.h"
+#include "report/PlanReport.h"
+#include "report/TerminalWriter.h"
+#include "report/XlsxWriter.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
@@ -38,7 +45,15 @@ struct StatsArgs {
     std::string drawing;
     std::string boundary = "auto";
     std::string format = "table";
+    std::string output;  // -o, the spreadsheet's file
     bool status = false;
+    std::string lang = "zh";
+    std::string remainder;
+    std::string units = "hm2";
+    int decimals = 2;
+    long population = -1;  // -1: the parcels' own (FN_ZRKS)
+    std::string mixed = "first";
+    std::string by;  // "unit" or "block": tables per planning unit or block as well
     StandardOptions standard;
 };
 
@@ -74,6 +89,7 @@ struct ClassArea {
 
 struct Balance {
     AcDbObjectId boundary;
+    AcDbObjectIdArray olderGeneration;
     double boundaryHectares = 0;
     long parcels = 0, crossing = 0;
     std::array<double, 12> totals{};
@@ -164,19 +180,17 @@ std::vector<ClassArea> named(const CStringArray& codes, const AcGeDoubleArray& a
 }
 
 Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
-                const ClassNames& names) {
+                const report::ParcelLists& parcels, const ClassNames& names) {
     // Nothing here changes the drawing, so each parcel is clipped once for all the totals.
     stats::ClipSession session;
     Balance b;
     b.boundary = boundary;
-    AcDbObjectIdArray all, counted, crossing;
-    if (status) {
-        CDKBJXDInfo::GetAllXZYD(all);
-    } else {
-        CDKBJXDInfo::GetDkbj(all);
+    AcDbObjectIdArray all = status ? parcels.current : parcels.planned, counted, crossing;
+    if (!status) {
         // The balance counts the parcels the current-generation scan finds, as the CAD
         // command does; say so when the drawing has others.
-        int older = olderGenerationParcels(database, all).length();
+        b.olderGeneration = olderGenerationParcels(database, all);
+        int older = b.olderGeneration.length();
         if (older > 0) {
             std::cerr << "kplan: " << older << (older == 1 ? " parcel carries" : " parcels carry")
                       << " only records of an older generation (地块属性, 地块边界) and "
@@ -231,48 +245,48 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     return b;
 }
 
-std::string percent(double part, double whole) {
-    return whole > 1e-12 ? fixed(part / whole * 100, 2) : "";
-}
+using report::Section;
 
 void printTable(const StatsArgs& args, const std::string& path, const Balance& b,
-                const ClassNames& names) {
-    std::cout << "drawing: " << path << "\n";
-    std::cout << "standard: " << CKovaDataSet::FGetStandardName().ToUtf8()
-              << ", class table: " << CKovaDataSet::FGetCurYDLB().ToUtf8() << "\n";
+                const report::Report& tables) {
+    bool en = args.lang == "en";
+    std::cout << (en ? "drawing: " : "图纸：") << path << "\n";
+    std::cout << (en ? "standard: " : "标准：") << CKovaDataSet::FGetStandardName().ToUtf8()
+              << (en ? ", class table: " : "，类别表：") << CKovaDataSet::FGetCurYDLB().ToUtf8()
+              << "\n";
     if (b.boundary.isNull()) {
-        std::cout << "boundary: none, the whole drawing\n";
+        std::cout << (en ? "boundary: none, the whole drawing\n" : "范围线：无，统计全图\n");
     } else {
-        std::cout << "boundary: " << handleText(b.boundary) << ", " << fixed(b.boundaryHectares, 2)
-                  << " ha\n";
+        std::cout << (en ? "boundary: " : "范围线：") << handleText(b.boundary)
+                  << (en ? ", " : "，") << fixed(b.boundaryHectares, 2) << (en ? " ha" : " 公顷")
+                  << "\n";
     }
-    std::cout << (args.status ? "current-status" : "planned") << " parcels: " << b.parcels;
-    if (!b.boundary.isNull()) std::cout << " (" << b.crossing << " crossing the boundary)";
-    std::cout << "\n\nLand-use balance\n";
-    double h = b.totals[0];
-    std::vector<std::vector<std::string>> rows = {{"code", "name", "area (ha)", "% of H"}};
-    for (std::size_t i = 0; i < kTotals.size(); ++i) {
-        rows.push_back({kTotals[i].code, names.of(kTotals[i].code), fixed(b.totals[i], 2),
-                        kTotals[i].construction ? percent(b.totals[i], h) : ""});
+    if (en) {
+        std::cout << (args.status ? "current-status" : "planned") << " parcels: " << b.parcels;
+        if (!b.boundary.isNull()) std::cout << " (" << b.crossing << " crossing the boundary)";
+    } else {
+        std::cout << (args.status ? "现状地块：" : "规划地块：") << b.parcels;
+        if (!b.boundary.isNull()) std::cout << "（" << b.crossing << " 块与范围线相交）";
     }
-    std::cout << alignedTable(rows, {false, false, true, true});
-    auto tabulation = [&](const char* title, const std::vector<ClassArea>& areas) {
-        std::cout << "\n" << title << "\n";
-        double sum = 0;
-        for (const ClassArea& a : areas)
-            sum += a.hectares;
-        std::vector<std::vector<std::string>> lines = {{"code", "name", "area (ha)", "%"}};
-        for (const ClassArea& a : areas)
-            lines.push_back({a.code, a.name, fixed(a.hectares, 2), percent(a.hectares, sum)});
-        lines.push_back({"", "total", fixed(sum, 2), areas.empty() ? "" : "100.00"});
-        std::cout << alignedTable(lines, {false, false, true, true});
-    };
-    tabulation("By major class", b.majorClasses);
-    tabulation("By class", b.classes);
-    std::cout << "\npopulation: " << b.population << "\n";
+    std::cout << "\n\n" << report::terminalTables(tables, en);
+    std::string warnings = report::terminalWarnings(tables, en);
+    if (!warnings.empty()) std::cout << "\n" << warnings;
 }
 
-void printCsv(const Balance& b, const ClassNames& names) {
+// The standard's tables and the warnings first, then the totals of the library and the
+// tabulation by class, one value a row as before.
+void printCsv(const StatsArgs& args, const Balance& b, const ClassNames& names,
+              const report::Report& tables, const std::vector<Section>& sections) {
+    bool en = args.lang == "en";
+    std::cout << report::kUtf8ByteOrderMark << report::csvTables(tables, en)
+              << report::csvWarnings(tables, en);
+    // A unit's or block's tables: their rows name it after the table ("rural_urban@JX-02").
+    for (const Section& section : sections) {
+        report::Report named = section.tables;
+        for (report::Table& table : named.tables)
+            table.key += "@" + section.number;
+        std::cout << report::csvTables(named, en);
+    }
     std::cout << csvRow({"table", "code", "name", "value"});
     for (std::size_t i = 0; i < kTotals.size(); ++i) {
         std::cout << csvRow(
@@ -286,55 +300,137 @@ void printCsv(const Balance& b, const ClassNames& names) {
     std::cout << csvRow({"population", "", "", std::to_string(b.population)});
 }
 
-void printJson(const std::string& path, const Balance& b) {
+void printJson(const std::string& path, const Balance& b, const report::Report& tables,
+               const std::vector<Section>& sections) {
+    using nlohmann::json;
     auto list = [](const std::vector<ClassArea>& areas) {
-        std::string out = "[";
-        for (std::size_t i = 0; i < areas.size(); ++i) {
-            out += (i ? ",\n    " : "\n    ");
-            out += "{\"code\": " + jsonString(areas[i].code) +
-                   ", \"name\": " + jsonString(areas[i].name) +
-                   ", \"area_ha\": " + jsonNumber(areas[i].hectares) + "}";
-        }
-        return out + (areas.empty() ? "]" : "\n  ]");
+        json rows = json::array();
+        for (const ClassArea& a : areas)
+            rows.push_back({{"code", a.code}, {"name", a.name}, {"area_ha", a.hectares}});
+        return rows;
     };
-    std::cout << "{\n  \"drawing\": " << jsonString(path) << ",\n";
-    std::cout << "  \"standard\": " << jsonString(CKovaDataSet::FGetStandardName().ToUtf8())
-              << ",\n";
-    std::cout << "  \"class_table\": " << jsonString(CKovaDataSet::FGetCurYDLB().ToUtf8()) << ",\n";
-    if (b.boundary.isNull()) {
-        std::cout << "  \"boundary\": null,\n";
-    } else {
-        std::cout << "  \"boundary\": {\"handle\": " << jsonString(handleText(b.boundary))
-                  << ", \"area_ha\": " << jsonNumber(b.boundaryHectares) << "},\n";
+    json out;
+    out["schema"] = report::kJsonSchema;
+    out["drawing"] = path;
+    out["standard"] = CKovaDataSet::FGetStandardName().ToUtf8();
+    out["class_table"] = CKovaDataSet::FGetCurYDLB().ToUtf8();
+    out["boundary"] = b.boundary.isNull() ? json()
+                                          : json{{"handle", handleText(b.boundary)},
+                                                 {"area_ha", b.boundaryHectares}};
+    out["parcels"] = b.parcels;
+    json totals = json::object();
+    for (std::size_t i = 0; i < kTotals.size(); ++i)
+        totals[kTotals[i].code] = b.totals[i];
+    out["totals"] = totals;
+    out["major_classes"] = list(b.majorClasses);
+    out["classes"] = list(b.classes);
+    out["population"] = b.population;
+    out["tables"] = report::tablesJson(tables);
+    out["warnings"] = report::warningsJson(tables);
+    out["balance"] = report::balanceJson(tables);
+    if (!sections.empty()) {
+        json by = json::array();
+        for (const Section& section : sections) {
+            by.push_back({{"kind", section.kind},
+                          {"number", section.number},
+                          {"handle", section.handle},
+                          {"tables", report::tablesJson(section.tables)},
+                          {"warnings", report::warningsJson(section.tables)},
+                          {"balance", report::balanceJson(section.tables)}});
+        }
+        out["by"] = by;
     }
-    std::cout << "  \"parcels\": " << b.parcels << ",\n  \"totals\": {";
-    for (std::size_t i = 0; i < kTotals.size(); ++i) {
-        std::cout << (i ? ", " : "") << jsonString(kTotals[i].code) << ": "
-                  << jsonNumber(b.totals[i]);
+    std::cout << report::dumpJson(out);
+}
+
+report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
+    report::PlanOptions options;
+    options.balance.remainderCode = args.remainder;
+    options.balance.unit = unit;
+    options.balance.decimals = args.decimals;
+    options.balance.mixed =
+        args.mixed == "split" ? report::MixedCodes::Split : report::MixedCodes::First;
+    options.currentOnly = args.status;
+    options.population = args.population;
+    return options;
+}
+
+bool buildTables(const StatsArgs& args, const report::ParcelLists& parcels, AcDbObjectId boundary,
+                 report::AreaUnit unit, const Balance& balance, report::Report& tables,
+                 std::string& error) {
+    if (!report::buildPlanReport(parcels, boundary, planOptions(args, unit), tables, error))
+        return false;
+    if (!balance.olderGeneration.isEmpty()) {
+        report::Warning w;
+        w.kind = "left_out";
+        w.detail = "只有旧版记录（地块属性、地块边界），统计不读";
+        w.detailEn = "records of an older generation only (地块属性, 地块边界)";
+        for (AcDbObjectId id : balance.olderGeneration)
+            w.handles.push_back(handleText(id));
+        tables.warnings.push_back(w);
     }
-    std::cout << "},\n  \"major_classes\": " << list(b.majorClasses) << ",\n";
-    std::cout << "  \"classes\": " << list(b.classes) << ",\n";
-    std::cout << "  \"population\": " << b.population << "\n}\n";
+    return true;
 }
 
 int runStats(StatsArgs args) {
     Format format;
     LoadedDrawing drawing;
     std::string path, error;
-    if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
+    // A spreadsheet is written to a file; the other formats go to standard output.
+    bool xlsx = args.format == "xlsx";
+    if (!xlsx && !parseFormat(args.format, format)) {
+        std::cerr << "kplan: --format " << args.format << ": expected table, csv, json or xlsx\n";
+        return 2;
+    }
+    if (xlsx && !args.by.empty()) {
+        std::cerr << "kplan: --by is written as table, csv or json; a spreadsheet holds the "
+                     "whole plan only\n";
+        return 2;
+    }
+    if (xlsx != !args.output.empty()) {
+        std::cerr << (xlsx ? "kplan: --format xlsx writes a file: name it with -o FILE\n"
+                           : "kplan: -o FILE is for --format xlsx; the other formats go to "
+                             "standard output\n");
+        return 2;
+    }
+    if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
+                                   format, drawing, path))
         return failed;
     AcDbObjectId boundary;
     if (!chooseBoundary(args, *drawing.database(), boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
+    report::AreaUnit unit;
+    if (!report::parseAreaUnit(args.units, unit)) {
+        std::cerr << "kplan: --units " << args.units << ": expected hm2, m2, mu or km2\n";
+        return 2;
+    }
     ClassNames names;
-    Balance balance = measure(*drawing.database(), boundary, args.status, names);
+    // The balance tables measure the same parcels again: one session clips each once.
+    stats::ClipSession session;
+    report::ParcelLists parcels = report::findParcels(args.status);
+    Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
+    report::Report tables;
+    std::vector<Section> sections;
+    if (!buildTables(args, parcels, boundary, unit, balance, tables, error) ||
+        (!args.by.empty() &&
+         !report::buildSections(parcels, args.by, planOptions(args, unit), sections, error))) {
+        std::cerr << "kplan: " << error << "\n";
+        return 2;
+    }
     // What a lenient read kept as read is no curve, so no parcel: say how many were.
     int leftOut = 0;
+    report::Warning unread;
+    unread.kind = "left_out";
+    unread.detail = "边界线含有不是数字的值，未能读取";
+    unread.detailEn = "the outline holds a value that is not a number";
     for (AcDbObjectId id : dxf::readReport(*drawing.database()).keptAsRead) {
-        if (CheckDKDataVer(id) != 0) ++leftOut;
+        if (CheckDKDataVer(id) == 0) continue;
+        ++leftOut;
+        unread.handles.push_back(handleText(id));
     }
+    if (leftOut > 0) tables.warnings.push_back(unread);
     if (leftOut > 0) {
         std::cerr << "kplan: " << leftOut
                   << (leftOut == 1 ? " parcel is left out of the statistics: its outline holds "
@@ -343,15 +439,33 @@ int runStats(StatsArgs args) {
                                      "hold values that are not numbers")
                   << " (see the warnings above)\n";
     }
+    if (xlsx) {
+        if (!report::writeXlsx(tables, args.output, args.lang == "en", error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
+        return 0;
+    }
     switch (format) {
         case Format::Table:
-            printTable(args, path, balance, names);
+            printTable(args, path, balance, tables);
+            for (const Section& section : sections) {
+                bool en = args.lang == "en";
+                std::cout << "\n"
+                          << (section.kind == "unit" ? (en ? "== unit " : "== 单元 ")
+                                                     : (en ? "== block " : "== 街坊 "))
+                          << section.number << (en ? " (" : "（") << section.handle
+                          << (en ? ") ==\n" : "）==\n")
+                          << report::terminalTables(section.tables, en);
+                std::string warnings = report::terminalWarnings(section.tables, en);
+                if (!warnings.empty()) std::cout << "\n" << warnings;
+            }
             break;
         case Format::Csv:
-            printCsv(balance, names);
+            printCsv(args, balance, names, tables, sections);
             break;
         case Format::Json:
-            printJson(path, balance);
+            printJson(path, balance, tables, sections);
             break;
     }
     std::cout.flush();
@@ -362,7 +476,9 @@ int runStats(StatsArgs args) {
 
 void addStatsCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand(
-        "stats", "Land-use balance table: totals H to E3, areas by class, population");
+        "stats",
+        "Land-use balance tables of the drawing's standard (城乡用地汇总表, 城市建设用地平衡表), "
+        "within its scope line");
     auto args = std::make_shared<StatsArgs>();
     command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
     command
@@ -371,7 +487,34 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
-    command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
+    command->add_option("--format", args->format, "table, csv, json or xlsx (with -o FILE)")
+        ->capture_default_str();
+    command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx");
+    command->add_option("--lang", args->lang, "Language of the table: zh or en")
+        ->check(CLI::IsMember({"zh", "en"}))
+        ->capture_default_str();
+    command->add_option("--remainder", args->remainder,
+                        "Class of the land in the scope that no parcel covers (e.g. S1 for "
+                        "roads drawn as gaps); default: a row of its own");
+    command->add_option("--units", args->units, "Area unit: hm2, m2, mu or km2")
+        ->capture_default_str();
+    command->add_option("--decimals", args->decimals, "Decimals of the areas")
+        ->check(CLI::Range(0, 6))
+        ->capture_default_str();
+    command
+        ->add_option("--population", args->population,
+                     "Population for the per-person column (default: the parcels' FN_ZRKS)")
+        ->check(CLI::NonNegativeNumber);
+    command
+        ->add_option("--mixed", args->mixed,
+                     "Compound codes (R2/B1): first counts the first code, split divides by "
+                     "the mix ratio FS_HHBL")
+        ->check(CLI::IsMember({"first", "split"}))
+        ->capture_default_str();
+    command
+        ->add_option("--by", args->by,
+                     "Tables for each planning unit or block as well, within its outline")
+        ->check(CLI::IsMember({"unit", "block"}));
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, &exitCode] { exitCode = runStats(*args); });

@@ -11,6 +11,7 @@ packages=(
     clang libclang-rt-14-dev clang-format
     libdxflib-dev
     libgdal-dev gdal-bin python3-gdal
+    nlohmann-json3-dev libxlsxwriter-dev python3-openpyxl
 )
 
 missing=()

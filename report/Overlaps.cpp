@@ -1,0 +1,154 @@
+#include "report/Overlaps.h"
+
+#define GEOS_USE_ONLY_R_API
+#include <geos_c.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "record/DKBJXDInfo.h"
+#include "report/DrawingAreas.h"
+#include "stats/BoundaryClip.h"
+
+namespace kplan::report {
+
+namespace {
+
+constexpr double kNoiseSquareMetres = 0.01;
+
+// One GEOS context with the geometries made in it, destroyed together.
+class Geos {
+  public:
+    Geos() : context_(GEOS_init_r()) {}
+    ~Geos() {
+        for (GEOSGeometry* g : owned_)
+            GEOSGeom_destroy_r(context_, g);
+        GEOS_finish_r(context_);
+    }
+    Geos(const Geos&) = delete;
+    Geos& operator=(const Geos&) = delete;
+
+    GEOSContextHandle_t context() const { return context_; }
+    GEOSGeometry* keep(GEOSGeometry* g) {
+        if (g != nullptr) owned_.push_back(g);
+        return g;
+    }
+
+    // The outline as a valid polygon; null when it cannot be read or has no area.
+    GEOSGeometry* polygon(AcDbObjectId id) {
+        stats::Outline outline;
+        if (!stats::ReadOutline(id, outline) || outline.points.size() < 3) return nullptr;
+        GEOSCoordSequence* ring =
+            GEOSCoordSeq_create_r(context_, static_cast<unsigned>(outline.points.size() + 1), 2);
+        for (std::size_t i = 0; i <= outline.points.size(); ++i) {
+            const gpc_vertex& v = outline.points[i % outline.points.size()];
+            GEOSCoordSeq_setXY_r(context_, ring, static_cast<unsigned>(i), v.x, v.y);
+        }
+        GEOSGeometry* shell = GEOSGeom_createLinearRing_r(context_, ring);
+        if (shell == nullptr) return nullptr;
+        return keep(GEOSGeom_createPolygon_r(context_, shell, nullptr, 0));
+    }
+
+    // The intersection of two polygons; an outline that crosses itself is made valid first
+    // (GEOS refuses to intersect it as drawn).
+    GEOSGeometry* intersection(GEOSGeometry*& a, GEOSGeometry*& b) {
+        GEOSGeometry* both = keep(GEOSIntersection_r(context_, a, b));
+        if (both != nullptr) return both;
+        a = valid(a);
+        b = valid(b);
+        return keep(GEOSIntersection_r(context_, a, b));
+    }
+
+    GEOSGeometry* valid(GEOSGeometry* g) {
+        return GEOSisValid_r(context_, g) == 1 ? g : keep(GEOSMakeValid_r(context_, g));
+    }
+
+    double area(const GEOSGeometry* g) const {
+        double a = 0;
+        return g != nullptr && GEOSArea_r(context_, g, &a) == 1 ? a : 0;
+    }
+
+  private:
+    GEOSContextHandle_t context_;
+    std::vector<GEOSGeometry*> owned_;
+};
+
+}  // namespace
+
+Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
+    Overlaps result;
+    // Pairs whose extents meet, by a sweep along x; only their outlines go to GEOS.
+    struct Box {
+        double minX, maxX, minY, maxY;
+        int index;
+    };
+    std::vector<Box> boxes;
+    for (int i = 0; i < parcels.length(); ++i) {
+        // The extents the entity keeps (arcs included): no outline is read for a parcel
+        // that meets no other.
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenObject(entity, parcels[i], AcDb::kForRead) != Acad::eOk) continue;
+        AcDbExtents extents;
+        bool known = entity->getGeomExtents(extents) == Acad::eOk;
+        entity->close();
+        if (known) {
+            boxes.push_back({extents.minPoint().x, extents.maxPoint().x, extents.minPoint().y,
+                             extents.maxPoint().y, i});
+        }
+    }
+    std::sort(boxes.begin(), boxes.end(),
+              [](const Box& a, const Box& b) { return a.minX < b.minX; });
+    std::vector<std::pair<int, int>> pairs;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (std::size_t j = i + 1; j < boxes.size() && boxes[j].minX < boxes[i].maxX; ++j) {
+            if (boxes[j].minY < boxes[i].maxY && boxes[i].minY < boxes[j].maxY)
+                pairs.emplace_back(boxes[i].index, boxes[j].index);
+        }
+    }
+    if (pairs.empty()) return result;
+    Geos geos;
+    GEOSContextHandle_t h = geos.context();
+    GEOSGeometry* scope = boundary.isNull() ? nullptr : geos.polygon(boundary);
+    std::map<int, GEOSGeometry*> shapes;
+    auto shape = [&](int index) {
+        auto found = shapes.find(index);
+        return found != shapes.end() ? found->second : shapes[index] = geos.polygon(parcels[index]);
+    };
+    // A parcel's islands are not its land: a parcel drawn inside one overlaps nothing. They
+    // are taken out only of the pairs that overlap at all.
+    auto withoutIslands = [&](int index, GEOSGeometry* outline) {
+        AcDbObjectIdArray islands;
+        CDKBJXDInfo(parcels[index]).GetIsland(islands);
+        for (AcDbObjectId island : islands) {
+            GEOSGeometry* hole = geos.polygon(island);
+            if (outline != nullptr && hole != nullptr)
+                outline = geos.keep(GEOSDifference_r(h, geos.valid(outline), geos.valid(hole)));
+        }
+        return outline;
+    };
+    std::vector<bool> overlapping(static_cast<std::size_t>(parcels.length()), false);
+    double squareMetres = 0;
+    for (const auto& [i, j] : pairs) {
+        GEOSGeometry *a = shape(i), *b = shape(j);
+        if (a == nullptr || b == nullptr) continue;
+        GEOSGeometry* both = geos.intersection(a, b);
+        if (geos.area(both) < kNoiseSquareMetres) continue;
+        a = withoutIslands(i, a);
+        b = withoutIslands(j, b);
+        both = a != nullptr && b != nullptr ? geos.intersection(a, b) : nullptr;
+        if (both != nullptr && scope != nullptr) both = geos.intersection(both, scope);
+        double area = geos.area(both);
+        if (area < kNoiseSquareMetres) continue;
+        squareMetres += area;
+        overlapping[static_cast<std::size_t>(i)] = overlapping[static_cast<std::size_t>(j)] = true;
+    }
+    for (int i = 0; i < parcels.length(); ++i) {
+        if (overlapping[static_cast<std::size_t>(i)])
+            result.handles.push_back(handleOf(parcels[i]));
+    }
+    result.hectares = squareMetres / 10000;
+    return result;
+}
+
+}  // namespace kplan::report

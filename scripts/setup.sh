@@ -11,6 +11,7 @@ packages=(
     clang libclang-rt-14-dev clang-format
     libdxflib-dev
     libgdal-dev gdal-bin python3-gdal
+    libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
 )
 
 missing=()

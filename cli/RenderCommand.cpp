@@ -90,7 +90,6 @@ bool drawPlan(AcDbDatabase& database, const std::string& drawingPath, const std:
     }
     render::SceneOptions sceneOptions;
     sceneOptions.boundary = boundary;
-    sceneOptions.labelPoints = options.labels != render::LabelMode::None;
     int unreadable = 0;
     render::PlanScene scene = render::collectScene(parcels, sceneOptions, &unreadable);
     scene.title = std::filesystem::path(drawingPath).stem().string();

@@ -24,6 +24,9 @@ class Canvas {
     // hole.
     virtual void fill(const std::vector<PageRing>& rings, const Rgb& colour, double alpha = 1) = 0;
     virtual void stroke(const PageRing& points, bool closed, const Rgb& colour, double width) = 0;
+    // Closed rings, all in one stroke (many outlines of one colour at once).
+    virtual void strokeRings(const std::vector<PageRing>& rings, const Rgb& colour,
+                             double width) = 0;
     // Pairs of points, each pair one straight segment.
     virtual void segments(const std::vector<PagePoint>& ends, const Rgb& colour, double width) = 0;
     // Drawing is limited to the rings (even-odd) until unclip.

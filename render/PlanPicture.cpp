@@ -155,21 +155,37 @@ void paintParcels(Canvas& canvas, const PlanScene& scene, const PictureLayout& l
         canvas.segments(ends, style.hatch, hatchWidth);
         canvas.unclip();
     }
-    // Boundaries after all fills, so that a neighbour's fill does not cover half of one.
+    // Boundaries after all fills, so that a neighbour's fill does not cover half of one;
+    // a class's all in one stroke.
+    std::vector<std::vector<PageRing>> byClass(scene.styles.size());
     for (std::size_t i = 0; i < scene.parcels.size(); ++i) {
-        const ClassStyle& style = scene.styles[static_cast<std::size_t>(scene.parcels[i].style)];
-        for (const PageRing& ring : pages[i])
-            canvas.stroke(ring, true, style.edge, edgeWidth);
+        auto& rings = byClass[static_cast<std::size_t>(scene.parcels[i].style)];
+        for (PageRing& ring : pages[i])
+            rings.push_back(std::move(ring));
     }
+    for (std::size_t c = 0; c < byClass.size(); ++c)
+        canvas.strokeRings(byClass[c], scene.styles[c].edge, edgeWidth);
+}
+
+// The smallest label worth drawing, in page units.
+double smallestLabel(const PictureLayout& layout) {
+    return (std::max)(5.0, 0.45 * layout.fontSize);
+}
+
+// Whether the parcel's outline leaves room for the smallest label at all (a label of one
+// line is at least 0.6 of its size from its middle to its top).
+bool roomForLabel(const ParcelShape& parcel, const PictureLayout& layout) {
+    double narrow = (std::min)(parcel.maxX - parcel.minX, parcel.maxY - parcel.minY);
+    return narrow * layout.scale / 2 >= 0.6 * smallestLabel(layout);
 }
 
 void paintLabels(Canvas& canvas, const PlanScene& scene, const PictureOptions& options,
                  const PictureLayout& layout) {
     if (options.labels == LabelMode::None) return;
     double largest = 1.1 * layout.fontSize;
-    double smallest = (std::max)(5.0, 0.45 * layout.fontSize);
+    double smallest = smallestLabel(layout);
     for (const ParcelShape& parcel : scene.parcels) {
-        if (!parcel.hasLabelPoint) continue;
+        if (!parcel.hasLabelPoint || !roomForLabel(parcel, layout)) continue;
         const std::string& code = scene.styles[static_cast<std::size_t>(parcel.style)].code;
         std::vector<std::string> lines;
         if (options.labels != LabelMode::Class && !parcel.number.empty())
@@ -417,7 +433,14 @@ void paintPicture(Canvas& canvas, const PlanScene& scene, const PictureOptions& 
     }
 }
 
-bool writePicture(const PlanScene& scene, const PictureOptions& options, const std::string& path,
+void findLabelPoints(PlanScene& scene, const PictureOptions& options, const PictureLayout& layout) {
+    if (options.labels == LabelMode::None) return;
+    for (ParcelShape& parcel : scene.parcels) {
+        if (roomForLabel(parcel, layout)) findLabelPoint(parcel);
+    }
+}
+
+bool writePicture(PlanScene& scene, const PictureOptions& options, const std::string& path,
                   std::string& error, PictureLayout* layoutOut) {
     PictureFormat format;
     if (!pictureFormatOf(path, format, error)) return false;
@@ -433,6 +456,7 @@ bool writePicture(const PlanScene& scene, const PictureOptions& options, const s
         cairo_t* context = cairo_create(scratch);
         CairoCanvas measure(context, family);
         layout = layoutPicture(scene, options, measure);
+        findLabelPoints(scene, options, layout);
         cairo_destroy(context);
         cairo_surface_destroy(scratch);
     }

@@ -52,15 +52,19 @@ bool pictureFormatOf(const std::string& path, PictureFormat& format, std::string
 // Lays out the picture; measure measures text only.
 PictureLayout layoutPicture(const PlanScene& scene, const PictureOptions& options, Canvas& measure);
 
-// Paints the laid-out picture.
+// Looks up the label points (FGetCenterPt) of the parcels that have room for a label at
+// the layout's scale and do not know theirs yet; none when labels are off.
+void findLabelPoints(PlanScene& scene, const PictureOptions& options, const PictureLayout& layout);
+
+// Paints the laid-out picture; parcels without a known label point get no label.
 void paintPicture(Canvas& canvas, const PlanScene& scene, const PictureOptions& options,
                   const PictureLayout& layout);
 
-// Finds the font, lays out and writes the picture to path in the format of its
-// extension, under a temporary name renamed when complete: on failure nothing is left
-// and an existing file is untouched. False with a message naming the file (or the
-// missing font's package).
-bool writePicture(const PlanScene& scene, const PictureOptions& options, const std::string& path,
+// Finds the font, lays out, finds the label points needed and writes the picture to path
+// in the format of its extension, under a temporary name renamed when complete: on failure nothing
+// is left and an existing file is untouched. False with a message naming the file (or the missing
+// font's package).
+bool writePicture(PlanScene& scene, const PictureOptions& options, const std::string& path,
                   std::string& error, PictureLayout* layout = nullptr);
 
 }  // namespace render

@@ -40,6 +40,15 @@ std::string trimmed(AcDbObjectId id, const wchar_t* key) {
 
 }  // namespace
 
+bool findLabelPoint(ParcelShape& parcel) {
+    AcGePoint3d point;
+    if (!parcel.hasLabelPoint && FGetCenterPt(parcel.id, point)) {
+        parcel.hasLabelPoint = true;
+        parcel.labelPoint = {point.x, point.y};
+    }
+    return parcel.hasLabelPoint;
+}
+
 ClassStyle classStyle(const std::string& code) {
     ClassStyle style;
     style.code = code;
@@ -47,7 +56,9 @@ ClassStyle classStyle(const std::string& code) {
     style.name = CKovaAttribSet::FGetDKXZMCFromCur(wide).ToUtf8();
     style.known = rgbOf(CKovaAttribSet::FGetCmColorFromCur(wide, 1), style.fill);
     if (!rgbOf(CKovaAttribSet::FGetDKBJCmColorFromCur(wide, 1), style.edge))
-        style.edge = darker(style.fill, 0.4);
+        style.edge = style.fill;
+    // A boundary in its fill's own colour would not part two parcels of one class.
+    if (style.edge == style.fill) style.edge = darker(style.fill, 0.3);
     CString pattern = L"SOLID";
     double scale = 1, angle = 0;
     CKovaAttribSet::FGetHatchFromCur(wide, pattern, scale, angle);
@@ -75,6 +86,14 @@ PlanScene collectScene(const AcDbObjectIdArray& parcels, const SceneOptions& opt
             ++missed;
             continue;
         }
+        shape.minX = shape.maxX = outline.front().x;
+        shape.minY = shape.maxY = outline.front().y;
+        for (const AcGePoint2d& p : outline) {
+            shape.minX = (std::min)(shape.minX, p.x);
+            shape.maxX = (std::max)(shape.maxX, p.x);
+            shape.minY = (std::min)(shape.minY, p.y);
+            shape.maxY = (std::max)(shape.maxY, p.y);
+        }
         shape.rings.push_back(std::move(outline));
         AcDbObjectIdArray islands;
         CDKBJXDInfo(id).GetIsland(islands);
@@ -88,14 +107,9 @@ PlanScene collectScene(const AcDbObjectIdArray& parcels, const SceneOptions& opt
         if (added) codes.push_back(code);
         shape.style = at->second;
         shape.number = trimmed(id, dk::FS_DKBH);
-        if (options.labelPoints) {
-            AcGePoint3d point;
-            if (FGetCenterPt(id, point)) {
-                shape.hasLabelPoint = true;
-                shape.labelPoint = {point.x, point.y};
-            }
-        }
-        widen(scene.extents, shape.rings.front());
+        if (options.labelPoints) findLabelPoint(shape);
+        scene.extents.addPoint(AcGePoint3d(shape.minX, shape.minY, 0));
+        scene.extents.addPoint(AcGePoint3d(shape.maxX, shape.maxY, 0));
         scene.parcels.push_back(std::move(shape));
     }
     // Styles in code order, so that the legend reads like the class table.

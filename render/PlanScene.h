@@ -27,10 +27,11 @@ struct ClassStyle {
 
 struct ParcelShape {
     AcDbObjectId id;
-    std::vector<Ring> rings;  // the outline first, then its islands
-    int style = -1;           // index into PlanScene::styles
-    std::string number;       // "FS_DKBH", trimmed
-    bool hasLabelPoint = false;
+    std::vector<Ring> rings;                        // the outline first, then its islands
+    int style = -1;                                 // index into PlanScene::styles
+    std::string number;                             // "FS_DKBH", trimmed
+    double minX = 0, minY = 0, maxX = 0, maxY = 0;  // of the outline
+    bool hasLabelPoint = false;                     // labelPoint is known
     AcGePoint2d labelPoint;
 };
 
@@ -50,16 +51,23 @@ struct PlanScene {
 };
 
 struct SceneOptions {
-    AcDbObjectId boundary;    // drawn as the scope line, the outside dimmed; null for none
-    bool labelPoints = true;  // look up each parcel's label point (FGetCenterPt)
+    AcDbObjectId boundary;  // drawn as the scope line, the outside dimmed; null for none
+    // Look up every parcel's label point (FGetCenterPt) now; otherwise the picture looks up
+    // those of the parcels large enough to carry a label, which on a map of many small
+    // parcels is a small share of them.
+    bool labelPoints = false;
 };
 
 // The class style of code from the current class table (above ground): the fill colour
 // (FGetCmColorFromCur), boundary colour (FGetDKBJCmColorFromCur), pattern
 // (FGetHatchFromCur, default SOLID), pattern colour (FGetHatchCmColorFromCur) and name
 // (FGetDKXZMCFromCur). Pattern lines in the colour of the fill itself would not show:
-// they are then drawn in that colour darkened by 40 %.
+// they are then drawn in that colour darkened by 40 %; a boundary in it (or without a
+// colour of its own) is darkened by 30 %, so that parcels of one class stay apart.
 ClassStyle classStyle(const std::string& code);
+
+// Looks up the parcel's label point (FGetCenterPt) unless it is known; true when known.
+bool findLabelPoint(ParcelShape& parcel);
 
 // The parcels given (the caller chooses planned or current-status ones) with their
 // class read from "FS_DKXZ" and each class looked up once, and the red lines of the

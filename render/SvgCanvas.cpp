@@ -94,6 +94,14 @@ void SvgCanvas::stroke(const PageRing& points, bool closed, const Rgb& colour, d
     body_ += "\"/>\n";
 }
 
+void SvgCanvas::strokeRings(const std::vector<PageRing>& rings, const Rgb& colour, double width) {
+    if (rings.empty()) return;
+    body_ += "<path fill=\"none\" stroke-linejoin=\"round\" stroke=\"" + colourText(colour) +
+             "\" stroke-width=\"" + number(width) + "\" d=\"";
+    appendPath(body_, rings);
+    body_ += "\"/>\n";
+}
+
 void SvgCanvas::segments(const std::vector<PagePoint>& ends, const Rgb& colour, double width) {
     if (ends.size() < 2) return;
     body_ += "<path fill=\"none\" stroke=\"" + colourText(colour) + "\" stroke-width=\"" +

@@ -19,6 +19,7 @@ class SvgCanvas : public Canvas {
 
     void fill(const std::vector<PageRing>& rings, const Rgb& colour, double alpha = 1) override;
     void stroke(const PageRing& points, bool closed, const Rgb& colour, double width) override;
+    void strokeRings(const std::vector<PageRing>& rings, const Rgb& colour, double width) override;
     void segments(const std::vector<PagePoint>& ends, const Rgb& colour, double width) override;
     void clip(const std::vector<PageRing>& rings) override;
     void unclip() override;

@@ -93,7 +93,7 @@ class PlanPictureTest : public ParcelTest {
     }
 
     // The scene written as "plan.png" in the test's folder; its path.
-    std::string writePng(const render::PlanScene& scene, const render::PictureOptions& options,
+    std::string writePng(render::PlanScene& scene, const render::PictureOptions& options,
                          render::PictureLayout& layout) {
         std::string error, png = (folder_ / "plan.png").string();
         EXPECT_TRUE(render::writePicture(scene, options, png, error, &layout)) << error;

@@ -46,7 +46,9 @@ class SamplePlanPictureTest : public KplanTest {
 TEST_F(SamplePlanPictureTest, EveryParcelShowsItsClassColourAtItsLabelPoint) {
     AcDbObjectIdArray parcels;
     CDKBJXDInfo::GetDkbj(parcels);
-    render::PlanScene scene = render::collectScene(parcels, {});
+    render::SceneOptions eager;
+    eager.labelPoints = true;  // every parcel's, the picture draws no labels
+    render::PlanScene scene = render::collectScene(parcels, eager);
     ASSERT_GE(scene.parcels.size(), 50u);
     render::PictureOptions options;
     options.width = 2400;

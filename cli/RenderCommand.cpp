@@ -66,21 +66,32 @@ int runRender(const RenderArgs& args) {
     std::string path;
     if (int failed = openForReport(args.drawing, "table", args.standard, unused, drawing, path))
         return failed;
-    if (!drawPlan(*drawing.database(), path, args.out, args.boundary, args.status, args.table,
-                  options, error)) {
+    AcDbDatabase& database = *drawing.database();
+    AcDbObjectId boundary;
+    if (!chooseBoundary(path, args.boundary, database, boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
+    ClassNames names;
+    render::BalanceTable table;
+    if (args.table) table = pictureTable(measure(database, boundary, args.status, names), names);
+    PlanSummary drawn;
+    if (!drawPlan(database, path, args.out, boundary, args.status, args.table ? &table : nullptr,
+                  options, error, &drawn)) {
+        std::cerr << "kplan: " << error << "\n";
+        return 1;
+    }
+    std::cout << "drew " << drawn.parcels << (drawn.parcels == 1 ? " parcel" : " parcels") << " of "
+              << drawn.classes << (drawn.classes == 1 ? " class" : " classes") << ": " << args.out
+              << "\n";
     return 0;
 }
 
 }  // namespace
 
 bool drawPlan(AcDbDatabase& database, const std::string& drawingPath, const std::string& out,
-              const std::string& boundaryChoice, bool status, bool withTable,
-              render::PictureOptions options, std::string& error) {
-    AcDbObjectId boundary;
-    if (!chooseBoundary(drawingPath, boundaryChoice, database, boundary, error)) return false;
+              AcDbObjectId boundary, bool status, const render::BalanceTable* table,
+              render::PictureOptions options, std::string& error, PlanSummary* summary) {
     AcDbObjectIdArray parcels;
     if (status) {
         CDKBJXDInfo::GetAllXZYD(parcels);
@@ -97,23 +108,15 @@ bool drawPlan(AcDbDatabase& database, const std::string& drawingPath, const std:
         error = drawingPath + ": no parcels, red lines or scope line to draw";
         return false;
     }
-    ClassNames names;
-    render::BalanceTable table;
-    if (withTable) {
-        table = pictureTable(measure(database, boundary, status, names), names);
-        options.table = &table;
-    }
+    options.table = table;
     if (!render::writePicture(scene, options, out, error)) return false;
-    std::cout << "drew " << scene.parcels.size()
-              << (scene.parcels.size() == 1 ? " parcel" : " parcels") << " of "
-              << scene.styles.size() << (scene.styles.size() == 1 ? " class" : " classes") << ": "
-              << out << "\n";
     if (unreadable > 0) {
         std::cerr << "kplan: " << unreadable
                   << (unreadable == 1 ? " parcel has an outline" : " parcels have outlines")
                   << " that cannot be read and " << (unreadable == 1 ? "is" : "are")
                   << " not drawn\n";
     }
+    if (summary != nullptr) *summary = {scene.parcels.size(), scene.styles.size()};
     return true;
 }
 

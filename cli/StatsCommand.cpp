@@ -12,6 +12,7 @@
 #include "cli/Balance.h"
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
+#include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
@@ -40,6 +41,7 @@ struct StatsArgs {
     std::string boundary = "auto";
     std::string format = "table";
     bool status = false;
+    std::string map;  // a picture of the plan with the table beside it, written too
     StandardOptions standard;
 };
 
@@ -129,6 +131,11 @@ int runStats(StatsArgs args) {
     Format format;
     LoadedDrawing drawing;
     std::string path, error;
+    render::PictureFormat mapFormat;
+    if (!args.map.empty() && !render::pictureFormatOf(args.map, mapFormat, error)) {
+        std::cerr << "kplan: --map " << error << "\n";
+        return 2;
+    }
     if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
         return failed;
     AcDbObjectId boundary;
@@ -138,6 +145,14 @@ int runStats(StatsArgs args) {
     }
     ClassNames names;
     Balance balance = measure(*drawing.database(), boundary, args.status, names);
+    if (!args.map.empty()) {
+        render::BalanceTable table = pictureTable(balance, names);
+        if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
+                      error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
+    }
     // What a lenient read kept as read is no curve, so no parcel: say how many were.
     int leftOut = 0;
     for (AcDbObjectId id : dxf::readReport(*drawing.database()).keptAsRead) {
@@ -180,6 +195,8 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
     command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
+    command->add_option("--map", args->map,
+                        "Also draw the plan with the table beside it (.png, .svg or .pdf)");
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, &exitCode] { exitCode = runStats(*args); });

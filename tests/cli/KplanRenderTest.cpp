@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/cli/Json.h"
 #include "tests/cli/RunKplan.h"
 #include "tests/render/PictureImage.h"
 
@@ -89,6 +90,41 @@ TEST(KplanRenderTest, SvgWithTheTableKeepsItsTextAsText) {
                              ">sample-plan</text>"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
     fs::remove(svg);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(KplanRenderTest, StatsWritesTheMapBesideTheTableInOneRun) {
+    std::string svg = testFolder() + "/stats-map.svg";
+    Outcome run = kplan("stats --format json --map '" + svg + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    // Standard output is still the balance alone.
+    Json balance = Json::parse(run.out);
+    ASSERT_TRUE(balance.ok()) << run.out;
+    std::string text = slurp(svg);
+    ASSERT_NE(text.find("<g id=\"table\">"), std::string::npos);
+    std::string table = text.substr(text.find("<g id=\"table\">"));
+    // The picture's table shows the figures stats prints, to two decimals.
+    for (const char* code : {"H", "H1", "E", "E1"}) {
+        char cell[64];
+        std::snprintf(cell, sizeof cell, ">%.2f</text>", balance["totals"][code].number());
+        EXPECT_NE(table.find(cell), std::string::npos) << code << " " << cell;
+    }
+    char population[64];
+    std::snprintf(population, sizeof population, ">%d</text>",
+                  static_cast<int>(balance["population"].number()));
+    EXPECT_NE(table.find(population), std::string::npos) << population;
+    fs::remove(svg);
+
+    std::string bad = testFolder() + "/stats-map.gif";
+    run = kplan("stats --map '" + bad + "'");
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_NE(run.err.find("--map " + bad + ": the picture's format"), std::string::npos)
+        << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_FALSE(fs::exists(bad));
 }
 
 }  // namespace

@@ -38,18 +38,13 @@ for number, body in objects.items():
         if unicode:
             fonts[name.decode()] = (to_unicode(int(unicode.group(1))), b'/Subtype /Type0' in font)
 
-for number, body in objects.items():
-    if b'stream' not in body or b'/Length' not in body:
-        continue
-    try:
-        content = stream(number).decode('latin-1')
-    except (zlib.error, AttributeError):
-        continue
-    if 'BT' not in content:
-        continue
+pages = [int(ref) for body in objects.values() for ref in re.findall(rb'/Contents (\d+) 0 R', body)]
+for number in pages:
+    content = stream(number).decode('latin-1')
     font = None
-    for token in re.finditer(r'/(f-\d+-\d+) [\d.]+ Tf|\[(.*?)\]\s*TJ|<([0-9a-fA-F]*)>\s*Tj', content,
-                             re.S):
+    for token in re.finditer(r'/(f-\d+-\d+) [\d.]+ Tf'
+                             r'|\[((?:\s*(?:<[0-9a-fA-F]*>|-?[\d.]+))*)\s*\]\s*TJ'
+                             r'|<([0-9a-fA-F]*)>\s*Tj', content):
         if token.group(1):
             font = fonts.get(token.group(1))
             continue

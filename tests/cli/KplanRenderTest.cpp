@@ -92,10 +92,6 @@ TEST(KplanRenderTest, SvgWithTheTableKeepsItsTextAsText) {
     fs::remove(svg);
 }
 
-}  // namespace
-
-namespace {
-
 TEST(KplanRenderTest, StatsWritesTheMapBesideTheTableInOneRun) {
     std::string svg = testFolder() + "/stats-map.svg";
     Outcome run = kplan("stats --format json --map '" + svg + "'");

@@ -268,4 +268,49 @@ TEST_F(PlanPictureTest, BadOutputLeavesNothingAndKeepsWhatWasThere) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1);
 }
 
+TEST_F(PlanPictureTest, LabelsShowWhatIsAskedForSizedToTheirParcel) {
+    render::PlanScene scene = drawPlan();
+    auto b1 = std::find_if(scene.parcels.begin(), scene.parcels.end(), [&](const auto& parcel) {
+        return scene.styles[static_cast<std::size_t>(parcel.style)].code == "B1";
+    });
+    ASSERT_NE(b1, scene.parcels.end());
+    ASSERT_TRUE(render::findLabelPoint(*b1));
+    struct Case {
+        render::LabelMode mode;
+        int lines;
+    } cases[] = {{render::LabelMode::None, 0},
+                 {render::LabelMode::Number, 1},
+                 {render::LabelMode::Class, 1},
+                 {render::LabelMode::Both, 2}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.lines);
+        render::PictureOptions options;
+        options.width = 1600;
+        options.labels = c.mode;
+        render::PictureLayout layout;
+        PictureImage image(writePng(scene, options, layout));
+        ASSERT_TRUE(image.ok());
+        // The rows with dark pixels around B1's label point: B1 is 50 m high, so its
+        // labels are at most the legend's size.
+        render::PagePoint at = layout.toPage(b1->labelPoint);
+        int top = 1 << 20, bottom = -1;
+        for (int dy = -80; dy <= 80; ++dy) {
+            for (int dx = -60; dx <= 60; ++dx) {
+                Pixel p = image.at(static_cast<int>(at.x) + dx, static_cast<int>(at.y) + dy);
+                if (p.r + p.g + p.b < 120) {
+                    top = std::min(top, dy);
+                    bottom = std::max(bottom, dy);
+                }
+            }
+        }
+        if (c.lines == 0) {
+            EXPECT_EQ(bottom, -1);
+            continue;
+        }
+        double height = bottom - top + 1;
+        EXPECT_GT(height, 0.5 * layout.fontSize * c.lines);
+        EXPECT_LT(height, 1.25 * 1.1 * layout.fontSize * c.lines);
+    }
+}
+
 }  // namespace

@@ -48,6 +48,7 @@ struct Panel {
 };
 
 std::string legendText(const ClassStyle& style) {
+    if (style.code.empty()) return "(no class)";  // parcels whose record names none
     return style.name.empty() ? style.code : style.code + "  " + style.name;
 }
 

@@ -313,4 +313,27 @@ TEST_F(PlanPictureTest, LabelsShowWhatIsAskedForSizedToTheirParcel) {
     }
 }
 
+TEST_F(PlanPictureTest, ParcelsOfNoOrAnUnknownClassAreGreyAndSaySoInTheLegend) {
+    parcel(0, 0, 100, 100, L"U-01", L"X9");  // a code the table lacks
+    parcel(100, 0, 200, 100, L"U-02", L"");
+    AcDbObjectIdArray parcels;
+    CDKBJXDInfo::GetDkbj(parcels);
+    render::PlanScene scene = render::collectScene(parcels, {});
+    render::PictureOptions options;
+    options.labels = render::LabelMode::None;
+    render::PictureLayout layout;
+    PictureImage image(writePng(scene, options, layout));
+    ASSERT_TRUE(image.ok());
+    const Pixel grey{230, 230, 230};
+    for (double x : {50.0, 150.0}) {
+        render::PagePoint at = layout.toPage({x, 50});
+        EXPECT_EQ(image.at(at.x, at.y), grey) << x;
+    }
+    std::string error, svg = (folder_ / "plan.svg").string();
+    ASSERT_TRUE(render::writePicture(scene, options, svg, error)) << error;
+    std::string text = slurp(svg);
+    EXPECT_NE(text.find(">X9</text>"), std::string::npos);
+    EXPECT_NE(text.find(">(no class)</text>"), std::string::npos);
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
 #include "render/CjkFont.h"
 
+#include <cairo.h>
 #include <fontconfig/fontconfig.h>
 
 #include <vector>
@@ -37,6 +38,11 @@ bool findCjkFont(std::string& family, std::string& error) {
         if (name == "Noto Sans CJK SC") family = name;
     }
     return true;
+}
+
+void releaseFontCaches() {
+    cairo_debug_reset_static_data();
+    FcFini();
 }
 
 }  // namespace render

@@ -20,5 +20,7 @@ void addLabelCommand(CLI::App& app, int& exitCode);
 void addExportCommand(CLI::App& app, int& exitCode);
 // "kplan import LAYER --into DRAWING -o OUT": GIS polygons as parcels with records.
 void addImportCommand(CLI::App& app, int& exitCode);
+// "kplan render DRAWING -o OUT": the plan as a picture.
+void addRenderCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

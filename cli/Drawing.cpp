@@ -44,12 +44,12 @@ bool splitParam(const std::string& param, std::string& name, std::string& value)
 
 }  // namespace
 
-void addStandardOptions(CLI::App& command, StandardOptions& options) {
+void addStandardOptions(CLI::App& command, StandardOptions& options, const char* tableOption) {
     command.add_option("--data", options.data,
                        "Standards directory (default: KPLAN_DATA, else the shipped one)");
     command.add_option("--standard", options.standard,
                        "Standard, a folder of the standards directory (default: 通用国标)");
-    command.add_option("--table", options.table,
+    command.add_option(tableOption, options.table,
                        "Land-use class table of the standard (default: 2011国标城乡用地类别.txt)");
     command.add_option("--param", options.params,
                        "Project parameter for this run, NAME=Y or NAME=N (repeatable)");

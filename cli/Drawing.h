@@ -19,8 +19,10 @@ struct StandardOptions {
     std::string codePage;
 };
 
-// --data, --standard, --table and --param.
-void addStandardOptions(CLI::App& command, StandardOptions& options);
+// --data, --standard, --table and --param; a command whose --table means something else
+// names the class table's option otherwise (tableOption).
+void addStandardOptions(CLI::App& command, StandardOptions& options,
+                        const char* tableOption = "--table");
 // --recover and --codepage, the options of reading a DXF file.
 void addReadOptions(CLI::App& command, bool& recover, std::string& codePage);
 // Loads a drawing as those options say; with --recover, each repair is printed on stderr

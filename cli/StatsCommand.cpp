@@ -9,8 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "cli/Balance.h"
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
+#include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
@@ -53,197 +55,10 @@ struct StatsArgs {
     int decimals = 2;
     long population = -1;  // -1: the parcels' own (FN_ZRKS)
     std::string mixed = "first";
-    std::string by;  // "unit" or "block": tables per planning unit or block as well
+    std::string by;   // "unit" or "block": tables per planning unit or block as well
+    std::string map;  // a picture of the plan with the table beside it, written too
     StandardOptions standard;
 };
-
-// The twelve totals of the balance table, in its order.
-using ListTotal = int (*)(const AcDbObjectIdArray&, double&);
-using BoundaryTotal = int (*)(AcDbObjectId, const AcDbObjectIdArray&, const AcDbObjectIdArray&,
-                              double&);
-struct TotalRow {
-    const char* code;
-    ListTotal list;
-    BoundaryTotal withBoundary;
-    bool construction;  // a part of H, so its share of H is shown
-};
-const std::array<TotalRow, 12> kTotals = {{
-    {"H", FGetHArea, FGetHArea, true},
-    {"H1", FGetH1Area, FGetH1Area, true},
-    {"H11", FGetH11Area, FGetH11Area, true},
-    {"H2", FGetH2Area, FGetH2Area, true},
-    {"H3", FGetH3Area, FGetH3Area, true},
-    {"H4", FGetH4Area, FGetH4Area, true},
-    {"H5", FGetH5Area, FGetH5Area, true},
-    {"H9", FGetH9Area, FGetH9Area, true},
-    {"E", FGetEArea, FGetEArea, false},
-    {"E1", FGetE1Area, FGetE1Area, false},
-    {"E2", FGetE2Area, FGetE2Area, false},
-    {"E3", FGetE3Area, FGetE3Area, false},
-}};
-
-struct ClassArea {
-    std::string code, name;
-    double hectares = 0;
-};
-
-struct Balance {
-    AcDbObjectId boundary;
-    AcDbObjectIdArray olderGeneration;
-    double boundaryHectares = 0;
-    long parcels = 0, crossing = 0;
-    std::array<double, 12> totals{};
-    std::vector<ClassArea> majorClasses, classes;
-    int population = 0;
-};
-
-bool isScopeLine(AcDbObjectId id) {
-    auto* curve = arx::peek<AcDbCurve>(id);
-    if (curve == nullptr || id.isErased() || !curve->isClosed()) return false;
-    if (AcDbPolyline::cast(curve) == nullptr && AcDb2dPolyline::cast(curve) == nullptr)
-        return false;
-    bool scope = false;
-    curve->withXdata([&](const db::ValueList& values) {
-        scope = std::any_of(values.begin(), values.end(), [](const db::Value& v) {
-            // Application names are compared ignoring case, as the host does.
-            return v.code == 1001 && v.text() && arx::foldCase(v.text()->c_str()) == dk::FAPP_GHFWX;
-        });
-    });
-    return scope;
-}
-
-// The scope lines of model space, the largest first.
-std::vector<std::pair<double, AcDbObjectId>> scopeLines(AcDbDatabase& database) {
-    std::vector<std::pair<double, AcDbObjectId>> lines;
-    auto* space = arx::peek<AcDbBlockTableRecord>(database.modelSpaceId());
-    if (space == nullptr) return lines;
-    for (AcDbObjectId id : space->entityIds()) {
-        double area = 0;
-        if (isScopeLine(id) && kova::ent::GetArea(id, area)) lines.emplace_back(area, id);
-    }
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const auto& a, const auto& b) { return a.first > b.first; });
-    return lines;
-}
-
-bool isHex(const std::string& text) {
-    return !text.empty() && text.size() <= 16 &&
-           std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isxdigit(c); });
-}
-
-// The boundary the run uses: null for none. False with a message when the user named one
-// that is not there.
-bool chooseBoundary(const StatsArgs& args, AcDbDatabase& database, AcDbObjectId& boundary,
-                    std::string& error) {
-    if (args.boundary == "none") return true;
-    if (args.boundary == "auto") {
-        auto lines = scopeLines(database);
-        if (lines.empty()) return true;
-        boundary = lines.front().second;
-        if (lines.size() > 1) {
-            std::cerr << "kplan: " << lines.size() << " planning scope lines; using the largest, "
-                      << handleText(boundary) << " (" << fixed(lines.front().first / 10000, 2)
-                      << " ha); --boundary HANDLE chooses another\n";
-        }
-        return true;
-    }
-    std::string handle = args.boundary;
-    std::transform(handle.begin(), handle.end(), handle.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    AcDbObjectId id;
-    if (!isHex(handle) ||
-        database.getAcDbObjectId(id, false, AcDbHandle(CString(handle.c_str()))) != Acad::eOk ||
-        id.isNull() || id.isErased()) {
-        error = args.drawing + ": no object with handle " + args.boundary +
-                " (--boundary takes auto, none or the handle of a closed polyline)";
-        return false;
-    }
-    auto* curve = arx::peek<AcDbCurve>(id);
-    if (curve == nullptr || !curve->isClosed()) {
-        error = args.drawing + ": the object with handle " + handle + " is not a closed curve";
-        return false;
-    }
-    boundary = id;
-    return true;
-}
-
-std::vector<ClassArea> named(const CStringArray& codes, const AcGeDoubleArray& areas,
-                             const ClassNames& names) {
-    std::vector<ClassArea> rows;
-    for (INT_PTR i = 0; i < codes.GetSize(); ++i) {
-        std::string code = codes[i].ToUtf8();
-        rows.push_back({code, names.of(code), areas[static_cast<int>(i)]});
-    }
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const ClassArea& a, const ClassArea& b) { return a.code < b.code; });
-    return rows;
-}
-
-Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
-                const report::ParcelLists& parcels, const ClassNames& names) {
-    // Nothing here changes the drawing, so each parcel is clipped once for all the totals.
-    stats::ClipSession session;
-    Balance b;
-    b.boundary = boundary;
-    AcDbObjectIdArray all = status ? parcels.current : parcels.planned, counted, crossing;
-    if (!status) {
-        // The balance counts the parcels the current-generation scan finds, as the CAD
-        // command does; say so when the drawing has others.
-        b.olderGeneration = olderGenerationParcels(database, all);
-        int older = b.olderGeneration.length();
-        if (older > 0) {
-            std::cerr << "kplan: " << older << (older == 1 ? " parcel carries" : " parcels carry")
-                      << " only records of an older generation (地块属性, 地块边界) and "
-                      << (older == 1 ? "is" : "are") << " not counted; kplan list shows them\n";
-        }
-    }
-    AcDbObjectIdArray boundaries;
-    if (boundary.isNull()) {
-        counted = all;
-        for (std::size_t i = 0; i < kTotals.size(); ++i)
-            kTotals[i].list(counted, b.totals[i]);
-    } else {
-        kova::ent::GetArea(boundary, b.boundaryHectares);
-        b.boundaryHectares /= 10000;
-        boundaries.append(boundary);
-        // The clipping is the long part of the run: each parcel is clipped once, on every
-        // core, in chunks so that the bar moves; the overlap tests and the totals below
-        // find the answers the session keeps.
-        KovaCad::CStatusBarControl bar;
-        bar.start(L"范围线内地块", all.length());
-        std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
-        std::vector<stats::BoundaryClip::Answer> answers;
-        const int chunk = std::max(4096, all.length() / 20);
-        for (int from = 0; from < all.length(); from += chunk) {
-            AcDbObjectIdArray part;
-            for (int i = from; i < std::min(all.length(), from + chunk); ++i)
-                part.append(all[i]);
-            clip->classifyMany(part, answers);
-            bar.step(part.length());
-        }
-        bar.end();
-        for (AcDbObjectId id : all) {
-            int lies = FIsDKAndBoundaryInter(boundary, id);
-            if (lies != -1) counted.append(id);
-            if (lies == 1) crossing.append(id);
-        }
-        for (std::size_t i = 0; i < kTotals.size(); ++i)
-            kTotals[i].withBoundary(boundary, counted, crossing, b.totals[i]);
-    }
-    b.parcels = counted.length();
-    b.crossing = crossing.length();
-    CStringArray majors, classes;
-    AcGeDoubleArray majorAreas, classAreas;
-    FTJDKAreaByBoundary(boundaries, counted, majors, majorAreas, classes, classAreas);
-    b.majorClasses = named(majors, majorAreas, names);
-    b.classes = named(classes, classAreas, names);
-    if (status) {
-        GetXZDKAllRKSForGIS(counted, b.population);
-    } else {
-        GetGHDKAllRKSForGIS(counted, b.population);
-    }
-    return b;
-}
 
 using report::Section;
 
@@ -378,6 +193,11 @@ int runStats(StatsArgs args) {
     std::string path, error;
     // A spreadsheet is written to a file; the other formats go to standard output.
     bool xlsx = args.format == "xlsx";
+    render::PictureFormat mapFormat;
+    if (!args.map.empty() && !render::pictureFormatOf(args.map, mapFormat, error)) {
+        std::cerr << "kplan: --map " << error << "\n";
+        return 2;
+    }
     if (!xlsx && !parseFormat(args.format, format)) {
         std::cerr << "kplan: --format " << args.format << ": expected table, csv, json or xlsx\n";
         return 2;
@@ -397,7 +217,7 @@ int runStats(StatsArgs args) {
                                    format, drawing, path))
         return failed;
     AcDbObjectId boundary;
-    if (!chooseBoundary(args, *drawing.database(), boundary, error)) {
+    if (!chooseBoundary(args.drawing, args.boundary, *drawing.database(), boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
@@ -418,6 +238,14 @@ int runStats(StatsArgs args) {
          !report::buildSections(parcels, args.by, planOptions(args, unit), sections, error))) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
+    }
+    if (!args.map.empty()) {
+        render::BalanceTable table = pictureTable(tables, args.lang == "en");
+        if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
+                      error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
     }
     // What a lenient read kept as read is no curve, so no parcel: say how many were.
     int leftOut = 0;
@@ -490,6 +318,8 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
     command->add_option("--format", args->format, "table, csv, json or xlsx (with -o FILE)")
         ->capture_default_str();
     command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx");
+    command->add_option("--map", args->map,
+                        "Also draw the plan with the table beside it (.png, .svg or .pdf)");
     command->add_option("--lang", args->lang, "Language of the table: zh or en")
         ->check(CLI::IsMember({"zh", "en"}))
         ->capture_default_str();

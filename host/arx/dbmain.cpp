@@ -742,6 +742,12 @@ Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dict,
     return acdbOpenObject(dict, namedObjects_, mode);
 }
 
+Acad::ErrorStatus AcDbDatabase::setMeasurement(int measurement) {
+    if (measurement != 0 && measurement != 1) return Acad::eInvalidInput;
+    measurement_ = measurement;
+    return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbDatabase::setTilemode(bool tilemode) {
     tilemode_ = tilemode;
     return Acad::eOk;

@@ -34,6 +34,13 @@ class DxfDrawingTest : public KplanTest {
         edit<AcDbObject>(id, [&](AcDbObject* o) { EXPECT_EQ(o->setXData(list), Acad::eOk); });
         acutRelRb(list);
     }
+    void eraseAll() {
+        std::vector<AcDbObjectId> ids =
+            arx::peek<AcDbBlockTableRecord>(database()->modelSpaceId())->entityIds();
+        for (AcDbObjectId id : ids) {
+            if (!id.isErased()) edit<AcDbObject>(id, [](AcDbObject* o) { o->erase(); });
+        }
+    }
     AcDbObjectId addHatch(AcDbObjectId boundary, const ACHAR* pattern) {
         auto* hatch = new AcDbHatch();
         hatch->setPatternScale(2.0);
@@ -98,12 +105,21 @@ TEST_F(DxfDrawingTest, EzdxfDrawsTheHatchPatternsFromTheirLines) {
     // Every predefined pattern the class tables name, as other programs see it.
     const ACHAR* patterns[] = {L"ANSI31", L"ANSI37", L"AR-SAND", L"DASH",  L"DOTS",  L"EARTH",
                                L"GRASS",  L"LINE",   L"NET",     L"STARS", L"SWAMP", L"TRIANG"};
-    for (const ACHAR* name : patterns)
-        addHatch(addRectangle(0, 0, 10, 10), name);
-    std::string path = dxftest::makeTempFolder() + "/patterns.dxf";
-    std::string error, output;
-    ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
-    EXPECT_EQ(dxftest::runPython("check_patterns.py", {path}, output), 0) << output;
+    // A metric drawing takes the metric pattern file, as ezdxf's acadiso patterns.
+    for (int measurement : {0, 1}) {
+        SCOPED_TRACE(measurement);
+        ASSERT_EQ(database()->setMeasurement(measurement), Acad::eOk);
+        for (const ACHAR* name : patterns)
+            addHatch(addRectangle(0, 0, 10, 10), name);
+        std::string path = dxftest::makeTempFolder() + "/patterns.dxf";
+        std::string error, output;
+        ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
+        EXPECT_EQ(dxftest::runPython("check_patterns.py", {path}, output), 0) << output;
+        auto loaded = dxf::load(path, error);
+        ASSERT_TRUE(loaded) << error;
+        EXPECT_EQ(loaded->measurement(), measurement);
+        eraseAll();
+    }
 }
 
 TEST_F(DxfDrawingTest, AHatchWhoseBoundaryIsGoneIsWrittenNonAssociative) {

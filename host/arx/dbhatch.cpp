@@ -11,6 +11,7 @@
 #include "host/arx/dbspline.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
+#include "host/db/Faults.h"
 #include "host/db/HatchPatternFile.h"
 #include "host/db/TextCodec.h"
 
@@ -24,6 +25,17 @@ bool sameName(const std::wstring& a, const ACHAR* b) {
         if (std::towupper(a[i]) != std::towupper(b[i])) return false;
     }
     return i == a.size() && b[i] == 0;
+}
+
+// An open polyline bounds an area only when its ends meet; the repeated end is dropped.
+bool closedOutline(bool closed, AcDbHatch::Loop& loop) {
+    if (!closed && loop.vertices.size() >= 3 &&
+        loop.vertices.front().isEqualTo(loop.vertices.back())) {
+        loop.vertices.pop_back();
+        loop.bulges.pop_back();
+        closed = true;
+    }
+    return closed && loop.vertices.size() >= 2;
 }
 
 // The outline of a closed boundary object as a loop: polylines and circles as a polyline
@@ -46,7 +58,7 @@ bool loopOf(AcDbObjectId id, AcDbHatch::Loop& loop) {
             loop.vertices.push_back(p);
             loop.bulges.push_back(b);
         }
-        return loop.vertices.size() >= 2;
+        return closedOutline(pline->isClosed(), loop);
     }
     if (auto* circle = AcDbCircle::cast(obj)) {
         AcGePoint3d c = circle->center();
@@ -57,7 +69,7 @@ bool loopOf(AcDbObjectId id, AcDbHatch::Loop& loop) {
     }
     if (auto* heavy = AcDb2dPolyline::cast(obj)) {
         heavy->collect(loop.vertices, loop.bulges);
-        return loop.vertices.size() >= 2;
+        return closedOutline(heavy->isClosed(), loop);
     }
     loop.type &= ~AcDbHatch::kPolyline;
     AcDbHatchEdge edge;
@@ -423,6 +435,7 @@ bool AcDbHatch::refreshLoop(Loop& loop) {
 }
 
 Acad::ErrorStatus AcDbHatch::evaluateHatch(bool underEstimateNumLines) {
+    db::failIfArmed("AcDbHatch::evaluateHatch");
     (void)underEstimateNumLines;  // no display lines are kept: nothing to estimate
     if (associative_) {
         for (Loop& loop : loops_)

@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "host/arx/acutads.h"
+#include "host/arx/dbapserv.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
@@ -590,6 +591,8 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
 
 void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
     if (database == nullptr) database = this->database();
+    // A new entity takes the defaults of the drawing being worked on, as in the host.
+    if (database == nullptr) database = acdbHostApplicationServices()->workingDatabase();
     if (database == nullptr) return;
     if (auto* record = arx::peek<AcDbLayerTableRecord>(database->clayer())) {
         layer_ = record->nameText();

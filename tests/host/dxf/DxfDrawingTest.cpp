@@ -122,6 +122,27 @@ TEST_F(DxfDrawingTest, EzdxfDrawsTheHatchPatternsFromTheirLines) {
     }
 }
 
+// The association lives in the file (the hatch's 330 in its boundary's {ACAD_REACTORS}):
+// after a save and a load, editing the boundary still rebuilds the fill.
+TEST_F(DxfDrawingTest, AFillReadFromAFileStillFollowsItsBoundary) {
+    AcDbObjectId parcel = addRectangle(0, 0, 10, 10);
+    AcDbObjectId hatch = addHatch(parcel, L"SOLID");
+    std::string text;
+    auto loaded = reload(*database(), &text);
+    ASSERT_TRUE(loaded);
+    EXPECT_NE(text.find("{ACAD_REACTORS"), std::string::npos);
+    AcDbObjectId boundary(loaded->find(parcel.handle().value()));
+    AcDbObjectId fill(loaded->find(hatch.handle().value()));
+    AcDbPolyline* pline = nullptr;
+    ASSERT_EQ(acdbOpenObject(pline, boundary, AcDb::kForWrite), Acad::eOk);
+    pline->addVertexAt(2, AcGePoint2d(15, 5));
+    pline->close();
+    const AcDbHatch::Loop* loop = arx::peek<AcDbHatch>(fill)->loopAt(0);
+    ASSERT_NE(loop, nullptr);
+    ASSERT_EQ(loop->vertices.size(), 5u);
+    EXPECT_EQ(loop->vertices[2], AcGePoint2d(15, 5));
+}
+
 TEST_F(DxfDrawingTest, AHatchWhoseBoundaryIsGoneIsWrittenNonAssociative) {
     AcDbObjectId parcel = addRectangle(0, 0, 10, 10);
     AcDbObjectId hatch = addHatch(parcel, L"SOLID");

@@ -16,10 +16,12 @@
 #include "host/arx/dbmtext.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
+#include "host/arx/dbunknown.h"
 #include "host/arx/peek.h"
 #include "host/db/CommandLine.h"
 #include "host/db/Database.h"
 #include "host/db/SelectionSets.h"
+#include "host/db/TextCodec.h"
 #include "host/db/WildcardMatch.h"
 
 namespace {
@@ -41,6 +43,9 @@ GroupValue groupValue(const AcDbEntity* entity, int code) {
     auto* pline2d = AcDb2dPolyline::cast(entity);
     switch (code) {
         case 0:
+            // An entity kept as read has the type its file gave it (SOLID, POINT, ...).
+            if (auto* kept = AcDbUnknownEntity::cast(entity))
+                return db::utf8ToWide(kept->dxfName());
             return std::wstring(entity->isA()->dxfName());
         case 8:
             return entity->layerName();

@@ -14,7 +14,8 @@
 
 namespace {
 
-constexpr double kTwoPi = 2 * M_PI;
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kTwoPi = 2 * kPi;
 
 struct Vertex {
     AcGePoint2d point;
@@ -49,7 +50,7 @@ void appendArc(const AcDbHatchEdge& e, std::vector<Vertex>& run) {
         // A whole circle: two half circles.
         double sign = e.counterClockwise ? 1 : -1;
         run.push_back({onArc(e, e.startAngle), sign});
-        run.push_back({onArc(e, e.startAngle + M_PI), sign});
+        run.push_back({onArc(e, e.startAngle + kPi), sign});
         return;
     }
     AcGePoint2d s = onArc(e, e.startAngle), m = onArc(e, e.startAngle + sweep / 2),

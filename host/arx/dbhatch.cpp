@@ -1,5 +1,6 @@
 #include "host/arx/dbhatch.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cwctype>
 
@@ -8,6 +9,7 @@
 #include "host/arx/dbelipse.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbpl.h"
+#include "host/arx/dbregion.h"
 #include "host/arx/dbspline.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
@@ -107,6 +109,31 @@ bool loopOf(AcDbObjectId id, AcDbHatch::Loop& loop) {
         return true;
     }
     return false;
+}
+
+// The loops of one boundary object: a region gives one per loop of its own, the first of
+// the given type and the rest (its holes) default; every other closed curve gives one.
+bool loopsOf(AcDbObjectId id, Adesk::Int32 type, std::vector<AcDbHatch::Loop>& loops) {
+    loops.clear();
+    if (auto* region = arx::peek<AcDbRegion>(id)) {
+        if (id.isErased() || region->isNull()) return false;
+        for (const AcDbRegion::Loop& own : region->loops()) {
+            AcDbHatch::Loop loop;
+            loop.type = (loops.empty() ? type : AcDbHatch::kDefault) | AcDbHatch::kPolyline;
+            loop.vertices = own.points;
+            loop.bulges = own.bulges;
+            loop.bulges.resize(loop.vertices.size(), 0.0);
+            loop.sources.push_back(id);
+            loops.push_back(std::move(loop));
+        }
+        return true;
+    }
+    AcDbHatch::Loop loop;
+    loop.type = type & ~AcDbHatch::kPolyline;
+    if (!loopOf(id, loop)) return false;
+    loop.sources.push_back(id);
+    loops.push_back(std::move(loop));
+    return true;
 }
 
 void printOnce(const std::string& problem) {
@@ -323,11 +350,10 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcGePoint2d
 Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcDbObjectIdArray& dbObjIds) {
     KPLAN_HATCH_WRITE;
     if (dbObjIds.length() != 1) return Acad::eInvalidInput;  // one closed curve per loop
-    Loop loop;
-    loop.type = loopType & ~kPolyline;
-    if (!loopOf(dbObjIds[0], loop)) return Acad::eInvalidInput;
-    loop.sources.push_back(dbObjIds[0]);
-    loops_.push_back(std::move(loop));
+    std::vector<Loop> loops;
+    if (!loopsOf(dbObjIds[0], loopType & ~kPolyline, loops)) return Acad::eInvalidInput;
+    for (Loop& loop : loops)
+        loops_.push_back(std::move(loop));
     return Acad::eOk;
 }
 
@@ -418,28 +444,38 @@ Acad::ErrorStatus AcDbHatch::removeAssocObjIds() {
 
 void AcDbHatch::modified(const AcDbObject* dbObj) {
     if (!associative_ || dbObj == nullptr) return;
-    for (Loop& loop : loops_) {
-        if (loop.sources.size() != 1 || loop.sources[0] != dbObj->objectId()) continue;
-        refreshLoop(loop);
-    }
+    refreshFrom(dbObj->objectId());
 }
 
-// A boundary that no longer makes a loop (erased, opened up) leaves the loop as it was.
-bool AcDbHatch::refreshLoop(Loop& loop) {
-    Loop fresh;
-    fresh.type = loop.type & ~kPolyline;
-    fresh.sources = loop.sources;
-    if (loop.sources.size() != 1 || !loopOf(loop.sources[0], fresh)) return false;
-    loop = std::move(fresh);
-    return true;
+// The loops made from one boundary object are made again, where they were; a boundary
+// that no longer makes a loop (erased, opened up) leaves them as they were.
+void AcDbHatch::refreshFrom(AcDbObjectId source) {
+    std::size_t first = loops_.size();
+    for (std::size_t i = 0; i < loops_.size() && first == loops_.size(); ++i) {
+        if (loops_[i].sources.size() == 1 && loops_[i].sources[0] == source) first = i;
+    }
+    if (first == loops_.size()) return;
+    std::vector<Loop> fresh;
+    if (!loopsOf(source, loops_[first].type & ~kPolyline, fresh)) return;
+    std::erase_if(loops_, [&](const Loop& loop) {
+        return loop.sources.size() == 1 && loop.sources[0] == source;
+    });
+    loops_.insert(loops_.begin() + static_cast<std::ptrdiff_t>(first),
+                  std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
 }
 
 Acad::ErrorStatus AcDbHatch::evaluateHatch(bool underEstimateNumLines) {
     db::failIfArmed("AcDbHatch::evaluateHatch");
     (void)underEstimateNumLines;  // no display lines are kept: nothing to estimate
     if (associative_) {
-        for (Loop& loop : loops_)
-            refreshLoop(loop);
+        std::vector<AcDbObjectId> sources;
+        for (const Loop& loop : loops_) {
+            if (loop.sources.size() == 1 &&
+                std::find(sources.begin(), sources.end(), loop.sources[0]) == sources.end())
+                sources.push_back(loop.sources[0]);
+        }
+        for (AcDbObjectId source : sources)
+            refreshFrom(source);
     }
     computePatternLines();
     if (loops_.empty()) return Acad::eDegenerateGeometry;

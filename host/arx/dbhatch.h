@@ -109,7 +109,8 @@ class AcDbHatch : public AcDbEntity {
                                  const AcGeDoubleArray& bulges);
     // A loop made from the outline of one closed curve, which it remembers as its source
     // object: a polyline (lightweight or 2D) or a circle gives a polyline loop, a closed
-    // ellipse or spline an edge loop of one edge. eInvalidInput for anything else.
+    // ellipse or spline an edge loop of one edge, a region one polyline loop per loop of
+    // its own (the first of loopType, its holes default). eInvalidInput for anything else.
     Acad::ErrorStatus appendLoop(Adesk::Int32 loopType, const AcDbObjectIdArray& dbObjIds);
     // A loop of edges (lines, arcs, elliptic arcs, splines).
     Acad::ErrorStatus appendLoop(Adesk::Int32 loopType, const std::vector<AcDbHatchEdge>& edges);
@@ -143,7 +144,7 @@ class AcDbHatch : public AcDbEntity {
 
   private:
     void computePatternLines();
-    bool refreshLoop(Loop& loop);
+    void refreshFrom(AcDbObjectId source);
 
     std::vector<Loop> loops_;
     std::vector<AcDbHatchPatternLine> lines_;

@@ -58,8 +58,15 @@ const FieldTable& ellipseTable() {
 AcDbObject* readEllipse(const ParsedObject& p, ReadContext& ctx, ObjectRecord& record) {
     auto ellipse = std::make_unique<AcDbEllipse>();
     ellipseTable().read(*ellipse, p.body.data(), p.body.data() + p.body.size(), ctx, record);
-    // An axis off the plane or a ratio above 1 is no ellipse the host can draw: kept as read.
+    // An axis off the plane, a ratio above 1 or a number the ellipse refuses is no ellipse
+    // the host can draw: kept as read.
     if (!ellipse->isValidShape()) return nullptr;
+    for (const Extra& e : record.extras) {
+        bool own = e.anchor >= FieldTable::anchorOf(1, -1) || e.anchor == FieldTable::kTail;
+        bool field =
+            (e.tag.code >= 10 && e.tag.code <= 42) || (e.tag.code >= 210 && e.tag.code <= 230);
+        if (own && field) return nullptr;
+    }
     return ellipse.release();
 }
 
@@ -79,6 +86,8 @@ enum : std::uint64_t {
 constexpr int kSplineOtherFlagsShift = 48;
 constexpr std::int64_t kSplineKnownFlags = 31;
 
+constexpr std::size_t kMostFitPointsSolved = 400;
+
 // Anchors of the kept tags: after the counts and tolerances, and at the end.
 constexpr int kSplineHead = FieldTable::kOwn, kSplineTail = FieldTable::kOwn + 1;
 
@@ -93,11 +102,13 @@ AcDbObject* readSpline(const ParsedObject& p, ReadContext& ctx, ObjectRecord& re
     std::uint64_t bits = 0;
     bool ok = true;
     int anchor = kSplineHead;
+    // A point of three tags (x, then y and z ten and twenty codes on); t ends on its last.
     auto point = [&](Tags& t, AcGePoint3d& q) {
         ok = ctx.real(*t, q.x) && t + 1 < end && t[1].code == t->code + 10 && ctx.real(t[1], q.y);
-        t += 1;
-        if (ok && t + 1 < end && t[1].code == t[-1].code + 20) {
-            t += 1;
+        if (!ok) return;
+        ++t;
+        if (t + 1 < end && t[1].code == t[-1].code + 20) {
+            ++t;
             ok = ctx.real(*t, q.z);
         }
     };
@@ -192,8 +203,9 @@ AcDbObject* readSpline(const ParsedObject& p, ReadContext& ctx, ObjectRecord& re
     if (!d.weights.empty() && !d.rational) bits |= kSplineWeights;
     if (!d.weights.empty() && d.weights.size() != d.controlPoints.size()) return nullptr;
     if (d.controlPoints.empty()) {
-        // Only fit points: the control points are made here, and not written back.
-        if (d.fitPoints.size() < 2) return nullptr;
+        // Only fit points: the control points are made here, and not written back. The
+        // interpolation solves a dense system: a spline of very many is kept as read.
+        if (d.fitPoints.size() < 2 || d.fitPoints.size() > kMostFitPointsSolved) return nullptr;
         AcGePoint3dArray fitPoints;
         for (const AcGePoint3d& q : d.fitPoints)
             fitPoints.append(q);

@@ -11,6 +11,8 @@
 #include "host/arx/dbelipse.h"
 #include "host/arx/dbhatch.h"
 #include "host/arx/dbpl.h"
+#include "host/arx/dbregion.h"
+#include "host/arx/dbspline.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/db/Faults.h"
@@ -179,7 +181,7 @@ TEST_F(HatchingTest, AFillFollowsItsBoundaryWhenAVertexMovesOrIsAdded) {
     EXPECT_EQ(loopVertices(single, 0).size(), 4u) << "the other parcel's fill is untouched";
 }
 
-TEST_F(HatchingTest, ClosedEllipsesAndCirclesMakeLoopsOfTheirOwnKind) {
+TEST_F(HatchingTest, ClosedEllipsesAndSplinesMakeEdgeLoops) {
     AcDbObjectId ellipse =
         addEntity(new AcDbEllipse({50, 50, 0}, AcGeVector3d(0, 0, 1), AcGeVector3d(0, 20, 0), 0.5));
     AcDbObjectId arc = addEntity(
@@ -194,6 +196,47 @@ TEST_F(HatchingTest, ClosedEllipsesAndCirclesMakeLoopsOfTheirOwnKind) {
     EXPECT_EQ(loop->edges[0].majorAxis, AcGeVector2d(0, 20));
     EXPECT_EQ(loop->edges[0].minorRatio, 0.5);
     EXPECT_EQ(FHatch(arc, hatch), 0) << "an open elliptic arc encloses nothing";
+
+    AcGePoint3dArray fit;
+    for (AcGePoint3d p : {AcGePoint3d(0, 0, 0), AcGePoint3d(10, -5, 0), AcGePoint3d(20, 0, 0),
+                          AcGePoint3d(10, 8, 0), AcGePoint3d(0, 0, 0)})
+        fit.append(p);
+    AcDbObjectId blob = addEntity(new AcDbSpline(fit));
+    ASSERT_EQ(FHatch(blob, L"NET", 1, 0, hatch), 1);
+    loop = hatchOf(hatch)->loopAt(0);
+    ASSERT_NE(loop, nullptr);
+    ASSERT_EQ(loop->edges.size(), 1u);
+    EXPECT_EQ(loop->edges[0].type, AcDbHatch::kSpline);
+    EXPECT_EQ(loop->edges[0].fitPoints.size(), 5u);
+    EXPECT_EQ(loop->edges[0].controlPoints.size(), 5u);
+    EXPECT_EQ(loop->edges[0].degree, 3);
+}
+
+// The statistics hatch what is left of a parcel inside a boundary: a region, holes and all.
+TEST_F(HatchingTest, ARegionGivesALoopPerLoopOfItsOwnAndFollowsItsChanges) {
+    auto* region = new AcDbRegion();
+    ASSERT_EQ(
+        region->setLoops({{{{0, 0}, {10, 0}, {10, 10}, {0, 10}}, {}}, {{{4, 4}, {6, 4}}, {1, 1}}}),
+        Acad::eOk);
+    AcDbObjectId id = addEntity(region);
+    AcDbObjectId hatch;
+    ASSERT_EQ(FHatch(id, hatch), 1);
+    const AcDbHatch* h = hatchOf(hatch);
+    ASSERT_EQ(h->numLoops(), 2);
+    EXPECT_EQ(h->loopTypeAt(0), AcDbHatch::kExternal | AcDbHatch::kPolyline);
+    EXPECT_EQ(h->loopTypeAt(1), AcDbHatch::kPolyline) << "the hole";
+    EXPECT_EQ(loopVertices(hatch, 1), (std::vector<AcGePoint2d>{{4, 4}, {6, 4}}));
+    EXPECT_EQ(h->loopAt(1)->bulges, (std::vector<double>{1, 1}));
+    EXPECT_TRUE(carries(id, hatch));
+
+    // The hole filled in: one loop left.
+    AcDbRegion* open = nullptr;
+    ASSERT_EQ(acdbOpenObject(open, id, AcDb::kForWrite), Acad::eOk);
+    ASSERT_EQ(open->setLoops({{{{0, 0}, {20, 0}, {20, 10}, {0, 10}}, {}}}), Acad::eOk);
+    open->close();
+    ASSERT_EQ(h->numLoops(), 1);
+    EXPECT_EQ(loopVertices(hatch, 0)[1], AcGePoint2d(20, 0));
+    EXPECT_EQ(h->loopTypeAt(0), AcDbHatch::kExternal | AcDbHatch::kPolyline);
 }
 
 TEST_F(HatchingTest, FAssociHatchAddsTheBoundaryAsOneMoreLoopAndFillsSolid) {

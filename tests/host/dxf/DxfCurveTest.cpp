@@ -8,6 +8,7 @@
 #include "host/arx/dbelipse.h"
 #include "host/arx/dbspline.h"
 #include "host/arx/dbsymtb.h"
+#include "host/arx/dbunknown.h"
 #include "host/arx/peek.h"
 #include "host/dxf/Dxf.h"
 #include "tests/host/dxf/DxfTestSupport.h"
@@ -100,6 +101,55 @@ TEST_F(DxfCurveTest, ASplineOfFitPointsAloneIsACurveAndIsWrittenBackAsRead) {
     }
     EXPECT_EQ(splines, 1);
     EXPECT_EQ(ellipses, 1);
+}
+
+}  // namespace
+
+namespace {
+
+// Replaces the first text after `after` that equals `from`; the text unchanged when missing.
+std::string replaceAfter(std::string text, const std::string& after, const std::string& from,
+                         const std::string& to) {
+    std::size_t at = text.find(after);
+    if (at == std::string::npos) return text;
+    at = text.find(from, at);
+    if (at != std::string::npos) text.replace(at, from.size(), to);
+    return text;
+}
+
+// What the host cannot take as an ellipse or a spline stays in the file as it was.
+TEST_F(DxfCurveTest, CurvesTheHostCannotDrawAreKeptAsRead) {
+    double w = std::sqrt(0.5);
+    addEntity(new AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, {10, 0, 0}, 0.25));
+    addEntity(new AcDbSpline(2, true, false, false, points({{10, 0, 0}, {10, 10, 0}, {0, 10, 0}}),
+                             numbers({0, 0, 0, 1, 1, 1}), numbers({1, w, 1})));
+    std::string saved = dxftest::saveText(*database());
+    struct Case {
+        const char* what;
+        std::string text;
+    } cases[] = {
+        {"an ellipse ratio above 1",
+         replaceAfter(saved, "AcDbEllipse", "\n 40\n0.25\n", "\n 40\n1.5\n")},
+        {"a major axis off the plane",
+         replaceAfter(saved, "AcDbEllipse", "\n 31\n0.0\n", "\n 31\n3.0\n")},
+        {"a control point count that is not there",
+         replaceAfter(saved, "AcDbSpline", "\n 73\n3\n", "\n 73\n4\n")},
+        {"knots that go back", replaceAfter(saved, "AcDbSpline", "\n 40\n1.0\n", "\n 40\n-1.0\n")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ASSERT_NE(c.text, saved) << "the test's edit found nothing to change";
+        std::string error;
+        auto loaded = dxftest::loadText(c.text, error);
+        ASSERT_TRUE(loaded) << error;
+        int kept = 0;
+        for (AcDbObjectId id : arx::peek<AcDbBlockTableRecord>(loaded->modelSpaceId())->entityIds())
+            kept += arx::peek<AcDbUnknownEntity>(id) ? 1 : 0;
+        EXPECT_EQ(kept, 1);
+        EXPECT_EQ(dxftest::firstDifference(dxftest::normalizedTags(c.text),
+                                           dxftest::normalizedTags(dxftest::saveText(*loaded))),
+                  "");
+    }
 }
 
 }  // namespace

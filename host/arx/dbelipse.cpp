@@ -175,11 +175,13 @@ Acad::ErrorStatus AcDbEllipse::getGeomExtents(AcDbExtents& extents) const {
     auto part = [](const AcGeVector3d& v, int k) { return k == 0 ? v.x : (k == 1 ? v.y : v.z); };
     for (int k = 0; k < 3; ++k) {
         double t0 = std::atan2(part(minor, k), part(major_, k));
-        for (double t = t0 - 2 * kTwoPi; t <= end + kTwoPi; t += M_PI) {
-            if (t >= start_ && t <= end) {
-                getPointAtParam(t, p);
-                extents.addPoint(p);
-            }
+        // At most three of them lie on an arc of up to a whole turn.
+        double first = std::ceil((start_ - t0) / M_PI);
+        for (double k = first; k < first + 3; ++k) {
+            double t = t0 + k * M_PI;
+            if (t < start_ || t > end) continue;
+            getPointAtParam(t, p);
+            extents.addPoint(p);
         }
     }
     return Acad::eOk;

@@ -220,7 +220,8 @@ AcDbObject* readSpline(const ParsedObject& p, ReadContext& ctx, ObjectRecord& re
         if (d.degree != degree) return nullptr;
         d.weights.clear();
         bits |= kSplineFitOnly;
-    } else if (d.knots.size() != d.controlPoints.size() + static_cast<std::size_t>(degree) + 1 ||
+    } else if (d.controlPoints.size() < static_cast<std::size_t>(degree) + 1 ||
+               d.knots.size() != d.controlPoints.size() + static_cast<std::size_t>(degree) + 1 ||
                (d.rational && d.weights.size() != d.controlPoints.size())) {
         return nullptr;
     }

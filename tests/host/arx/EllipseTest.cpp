@@ -85,6 +85,19 @@ TEST(EllipseTest, AnglesAreMeasuredToThePointParametersAlongTheAxes) {
     EXPECT_TRUE(p.isEqualTo({0, -5, 0}));
 }
 
+// A file may give parameters of any size: the arc is the same one turn on.
+TEST(EllipseTest, AnArcFarAlongItsParametersHasTheExtentsOfItsTurn) {
+    AcDbEllipse arc({0, 0, 0}, kUp, {10, 0, 0}, 0.5);
+    double turns = 2 * M_PI * 1e9;
+    ASSERT_EQ(arc.setStartParam(turns), Acad::eOk);
+    ASSERT_EQ(arc.setEndParam(turns + M_PI), Acad::eOk);
+    AcDbExtents extents;
+    ASSERT_EQ(arc.getGeomExtents(extents), Acad::eOk);
+    EXPECT_NEAR(extents.maxPoint().y, 5, 1e-5);
+    EXPECT_NEAR(extents.minPoint().y, 0, 1e-5);
+    EXPECT_NEAR(extents.minPoint().x, -10, 1e-5);
+}
+
 class EllipseDatabaseTest : public KplanTest {};
 
 TEST_F(EllipseDatabaseTest, AShapeOffItsPlaneIsRefusedAndNothingChanges) {

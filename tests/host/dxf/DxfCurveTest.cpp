@@ -135,6 +135,11 @@ TEST_F(DxfCurveTest, CurvesTheHostCannotDrawAreKeptAsRead) {
         {"a control point count that is not there",
          replaceAfter(saved, "AcDbSpline", "\n 73\n3\n", "\n 73\n4\n")},
         {"knots that go back", replaceAfter(saved, "AcDbSpline", "\n 40\n1.0\n", "\n 40\n-1.0\n")},
+        // Three control points make no cubic, whatever the knots say.
+        {"a degree above the control points",
+         replaceAfter(replaceAfter(replaceAfter(saved, "AcDbSpline", "\n 71\n2\n", "\n 71\n3\n"),
+                                   "AcDbSpline", "\n 72\n6\n", "\n 72\n7\n"),
+                      "AcDbSpline", "\n 40\n0.0\n", "\n 40\n0.0\n 40\n0.0\n")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

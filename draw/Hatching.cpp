@@ -118,15 +118,16 @@ int FAssociHatch(AcDbObjectId boundary, AcDbObjectId hatchId) {
             Closing closing{openHatch(hatchId)};
             auto* hatch = static_cast<AcDbHatch*>(closing.object);
             if (hatch == nullptr) return 0;
+            // A boundary that makes no loop leaves the hatch as it was.
+            AcDbObjectIdArray one;
+            one.append(boundary);
+            if (hatch->appendLoop(AcDbHatch::kExternal, one) != Acad::eOk) return 0;
             hatch->setNormal(AcGeVector3d(0, 0, 1));
             hatch->setElevation(0.0);
             hatch->setAssociative(true);
             // The former pattern is given up for a solid fill, the former loops kept.
             hatch->setPattern(AcDbHatch::kPreDefined, L"SOLID");
             hatch->setHatchStyle(AcDbHatch::kNormal);
-            AcDbObjectIdArray one;
-            one.append(boundary);
-            hatch->appendLoop(AcDbHatch::kExternal, one);
             hatch->evaluateHatch(false);
             hatch->getAssocObjIds(associated);
         }

@@ -28,8 +28,9 @@ int FHatch(const AcDbObjectIdArray& boundaries, const ACHAR* pattern, double sca
 
 // Ties an existing hatch to a boundary: the boundary becomes one more external loop, the
 // hatch turns associative with the pattern "SOLID" (its former pattern is given up, its
-// loops kept), and every boundary of the hatch carries it as a reactor. 0 when either id
-// is invalid, the id is no hatch or the hatch cannot be opened for write.
+// loops kept), and every boundary of the hatch carries it as a reactor. 0, the hatch left
+// as it was, when either id is invalid, the id is no hatch, the hatch cannot be opened for
+// write or the boundary makes no loop.
 int FAssociHatch(AcDbObjectId boundary, AcDbObjectId hatch);
 
 // Makes a hatch non-associative: its loops forget their boundary objects. The reactors on

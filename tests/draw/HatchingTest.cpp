@@ -268,6 +268,11 @@ TEST_F(HatchingTest, FAssociHatchAddsTheBoundaryAsOneMoreLoopAndFillsSolid) {
     EXPECT_EQ(hatchOf(plainId)->numLoops(), 2);
 
     EXPECT_EQ(FAssociHatch(parcel, island), 0) << "a circle is no hatch";
+    AcDbObjectId patterned;
+    ASSERT_EQ(FHatch(island, L"NET", 1, 0, patterned), 1);
+    EXPECT_EQ(FAssociHatch(addPolyline({{0, 0}, {5, 0}, {5, 5}}, {}, false), patterned), 0);
+    EXPECT_STREQ(hatchOf(patterned)->patternName(), L"NET") << "an open boundary changes nothing";
+    EXPECT_EQ(hatchOf(patterned)->numLoops(), 1);
     EXPECT_EQ(FAssociHatch(AcDbObjectId(), hatch), 0);
     EXPECT_EQ(FAssociHatch(parcel, AcDbObjectId()), 0);
     AcDbObject* open = nullptr;

@@ -636,9 +636,7 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result) {
     }
     std::vector<db::EntityName>* members = nullptr;
     if (!liveSetMembers(ss, members)) return RTERROR;
-    if (hasEntity && std::find(members->begin(), members->end(), name) == members->end()) {
-        members->push_back(name);
-    }
+    if (hasEntity) db::selectionSets().add(db::SelectionSets::fromName(ss), name);
     ads_name_set(ss, result);
     return RTNORM;
 }
@@ -646,10 +644,10 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result) {
 int acedSSDel(const ads_name entity, const ads_name ss) {
     std::vector<db::EntityName>* members = nullptr;
     if (entity == nullptr || !liveSetMembers(ss, members)) return RTERROR;
-    auto it = std::find(members->begin(), members->end(), db::EntityName{entity[0], entity[1]});
-    if (it == members->end()) return RTERROR;
-    members->erase(it);
-    return RTNORM;
+    return db::selectionSets().remove(db::SelectionSets::fromName(ss),
+                                      db::EntityName{entity[0], entity[1]})
+               ? RTNORM
+               : RTERROR;
 }
 
 int acedSSMemb(const ads_name entity, const ads_name ss) {

@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "host/arx/acedads.h"
 #include "host/arx/acutads.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbents.h"
@@ -236,6 +237,33 @@ TEST_F(DxfDrawingTest, DictionariesSoftLinksAndDrawOrderComeBack) {
     EXPECT_EQ(drawn[0], idIn(island));
     EXPECT_EQ(drawn[1], idIn(cover));
     EXPECT_EQ(drawn[2], idIn(parcel));
+}
+
+// Fills sent behind by the host's DRAWORDER are drawn first by other programs too.
+TEST_F(DxfDrawingTest, FillsSentBehindAreDrawnFirstByEzdxf) {
+    AcDbObjectId first = addRectangle(0, 0, 10, 10);
+    AcDbObjectId second = addRectangle(20, 0, 30, 10);
+    AcDbObjectId firstFill = addHatch(first, L"SOLID");
+    AcDbObjectId secondFill = addHatch(second, L"ANSI31");
+    ads_name ss = {0, 0}, name;
+    for (AcDbObjectId fill : {firstFill, secondFill}) {
+        ASSERT_EQ(acdbGetAdsName(name, fill), Acad::eOk);
+        ASSERT_EQ(acedSSAdd(name, ads_name_nil(ss) ? nullptr : ss, ss), RTNORM);
+    }
+    EXPECT_EQ(
+        acedCommand(RTSTR, L"draworder", RTPICKS, ss, RTSTR, L"", RTSTR, L"B", RTSTR, L"", RTNONE),
+        RTNORM);
+    acedSSFree(ss);
+    std::string path = dxftest::makeTempFolder() + "/order.dxf";
+    std::string error, output;
+    ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
+    ASSERT_EQ(dxftest::runPython("list_draw_order.py", {path}, output), 0) << output;
+    std::string expected;
+    for (AcDbObjectId id : {firstFill, secondFill, first, second}) {
+        std::wstring handle = id.handle().text();
+        expected += std::string(handle.begin(), handle.end()) + "\n";
+    }
+    EXPECT_EQ(output, expected);
 }
 
 TEST_F(DxfDrawingTest, NewObjectsGetFreshHandlesAndTheSeedMovesOn) {

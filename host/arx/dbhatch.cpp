@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cwctype>
+#include <map>
+#include <mutex>
 
 #include "host/arx/acutads.h"
 #include "host/arx/dbapserv.h"
@@ -143,22 +145,21 @@ void printOnce(const std::string& problem) {
     acutPrintf(L"\n%ls", db::utf8ToWide(problem).c_str());
 }
 
-// The line families of every pattern of one file, by upper-case name, made once.
+// The line families of every pattern of one file, by upper-case name, made once per
+// pattern folder and kept (references stay valid); the DXF reader's threads ask too.
 struct PatternTable {
     std::vector<std::pair<std::wstring, std::vector<AcDbHatchPatternLine>>> patterns;
     std::string error;
-    std::string folder;
-    bool made = false;
 };
 
 const PatternTable& patternTable(bool metric) {
-    static PatternTable tables[2];
-    PatternTable& table = tables[metric ? 1 : 0];
+    static std::mutex mutex;
+    static std::map<std::pair<std::string, bool>, PatternTable> tables;
     std::string folder = db::hatchPatternFolder();
-    if (table.made && table.folder == folder) return table;
-    table = PatternTable();
-    table.made = true;
-    table.folder = folder;
+    std::lock_guard<std::mutex> lock(mutex);
+    auto [it, fresh] = tables.try_emplace({folder, metric});
+    PatternTable& table = it->second;
+    if (!fresh) return table;
     const db::HatchPatternFile* file = db::hatchPatterns(metric, table.error);
     if (file == nullptr) return table;
     for (const db::HatchPattern& p : file->patterns()) {
@@ -191,7 +192,7 @@ bool metricDrawing(const AcDbObject& obj) {
 const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name,
                                                                     bool metric) {
     static const std::vector<AcDbHatchPatternLine> none;
-    if (name == nullptr || sameName(L"SOLID", name)) return none;
+    if (name == nullptr || *name == 0 || sameName(L"SOLID", name)) return none;
     const std::vector<AcDbHatchPatternLine>* lines = findPattern(name, metric);
     return lines ? *lines : none;
 }

@@ -2,6 +2,7 @@
 // What the command-line functions of the host share among themselves: application
 // variables read without result buffers, the pending acedInitGet, and the geometry of
 // picks and selection windows.
+#include <string>
 #include <vector>
 
 #include "host/arx/dbmain.h"
@@ -37,5 +38,13 @@ bool isEntityVisible(const AcDbEntity* entity);
 // The topmost visible entity of a block whose shape passes through the pick square;
 // null when there is none.
 AcDbObjectId pickEntity(AcDbObjectId blockId, const AcGePoint2d& point, double half);
+
+// A command or option word without its "." and "_" prefixes, in capitals: "._ZOOM" is ZOOM.
+std::wstring commandWord(const ACHAR* text);
+// Prints why a command cannot run as asked; RTERROR.
+int refuseCommand(const std::wstring& message);
+// The commands of acedCommand that change the drawing, given the answers after their name.
+int drawOrderCommand(AcDbDatabase& database, const resbuf* answers);
+int hatchCommand(AcDbDatabase& database, const resbuf* answers);
 
 }  // namespace arx

@@ -16,10 +16,12 @@
 #include "host/arx/dbmtext.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsymtb.h"
+#include "host/arx/dbunknown.h"
 #include "host/arx/peek.h"
 #include "host/db/CommandLine.h"
 #include "host/db/Database.h"
 #include "host/db/SelectionSets.h"
+#include "host/db/TextCodec.h"
 #include "host/db/WildcardMatch.h"
 
 namespace {
@@ -41,6 +43,9 @@ GroupValue groupValue(const AcDbEntity* entity, int code) {
     auto* pline2d = AcDb2dPolyline::cast(entity);
     switch (code) {
         case 0:
+            // An entity kept as read has the type its file gave it (SOLID, POINT, ...).
+            if (auto* kept = AcDbUnknownEntity::cast(entity))
+                return db::utf8ToWide(kept->dxfName());
             return std::wstring(entity->isA()->dxfName());
         case 8:
             return entity->layerName();
@@ -631,9 +636,7 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result) {
     }
     std::vector<db::EntityName>* members = nullptr;
     if (!liveSetMembers(ss, members)) return RTERROR;
-    if (hasEntity && std::find(members->begin(), members->end(), name) == members->end()) {
-        members->push_back(name);
-    }
+    if (hasEntity) db::selectionSets().add(db::SelectionSets::fromName(ss), name);
     ads_name_set(ss, result);
     return RTNORM;
 }
@@ -641,10 +644,10 @@ int acedSSAdd(const ads_name entity, const ads_name ss, ads_name result) {
 int acedSSDel(const ads_name entity, const ads_name ss) {
     std::vector<db::EntityName>* members = nullptr;
     if (entity == nullptr || !liveSetMembers(ss, members)) return RTERROR;
-    auto it = std::find(members->begin(), members->end(), db::EntityName{entity[0], entity[1]});
-    if (it == members->end()) return RTERROR;
-    members->erase(it);
-    return RTNORM;
+    return db::selectionSets().remove(db::SelectionSets::fromName(ss),
+                                      db::EntityName{entity[0], entity[1]})
+               ? RTNORM
+               : RTERROR;
 }
 
 int acedSSMemb(const ads_name entity, const ads_name ss) {

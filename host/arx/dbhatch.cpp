@@ -1,70 +1,27 @@
 #include "host/arx/dbhatch.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cwctype>
+#include <map>
+#include <mutex>
 
+#include "host/arx/acutads.h"
+#include "host/arx/dbapserv.h"
+#include "host/arx/dbelipse.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbpl.h"
+#include "host/arx/dbregion.h"
+#include "host/arx/dbspline.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
+#include "host/db/Faults.h"
+#include "host/db/HatchPatternFile.h"
+#include "host/db/TextCodec.h"
 
 ACRX_DEFINE_MEMBERS(AcDbHatch, AcDbEntity, L"HATCH")
 
 namespace {
-
-struct NamedPattern {
-    const wchar_t* name;
-    std::vector<AcDbHatchPatternLine> lines;
-};
-
-// The patterns of the standard imperial pattern file that the shipped class tables use.
-const std::vector<NamedPattern>& predefinedPatterns() {
-    static const std::vector<NamedPattern> patterns = {
-        {L"ANSI31", {{45.0, {0.0, 0.0}, {-0.0883883476, 0.0883883476}, {}}}},
-        {L"ANSI37",
-         {{45.0, {0.0, 0.0}, {-0.0883883476, 0.0883883476}, {}},
-          {135.0, {0.0, 0.0}, {-0.0883883476, -0.0883883476}, {}}}},
-        {L"AR-SAND",
-         {{37.5, {0.0, 0.0}, {-0.0629933581, 1.926823769}, {0.0, -1.52, 0.0, -1.7, 0.0, -1.625}},
-          {7.5, {0.0, 0.0}, {1.7697767053, 2.8221460652}, {0.0, -0.82, 0.0, -1.37, 0.0, -0.525}},
-          {-32.5, {-1.23, 0.0}, {3.1141431899, 0.0056582074}, {0.0, -0.5, 0.0, -1.8, 0.0, -2.35}},
-          {-42.5,
-           {-1.23, 0.0},
-           {3.0061277656, 0.877674501},
-           {0.0, -0.25, 0.0, -1.18, 0.0, -1.35}}}},
-        {L"DASH", {{0.0, {0.0, 0.0}, {0.125, 0.125}, {0.125, -0.125}}}},
-        {L"DOTS", {{0.0, {0.0, 0.0}, {0.03125, 0.0625}, {0.0, -0.0625}}}},
-        {L"EARTH",
-         {{0.0, {0.0, 0.0}, {0.25, 0.25}, {0.25, -0.25}},
-          {0.0, {0.0, 0.09375}, {0.25, 0.25}, {0.25, -0.25}},
-          {0.0, {0.0, 0.1875}, {0.25, 0.25}, {0.25, -0.25}},
-          {90.0, {0.03125, 0.21875}, {-0.25, 0.25}, {0.25, -0.25}},
-          {90.0, {0.125, 0.21875}, {-0.25, 0.25}, {0.25, -0.25}},
-          {90.0, {0.21875, 0.21875}, {-0.25, 0.25}, {0.25, -0.25}}}},
-        {L"GRASS",
-         {{90.0, {0.0, 0.0}, {-0.7071067811, 0.7071067811}, {0.1875, -1.2267135622}},
-          {45.0, {0.0, 0.0}, {-0.7071067812, 0.7071067812}, {0.1875, -0.8125}},
-          {135.0, {0.0, 0.0}, {-0.7071067812, -0.7071067812}, {0.1875, -0.8125}}}},
-        {L"LINE", {{0.0, {0.0, 0.0}, {0.0, 0.125}, {}}}},
-        {L"NET", {{0.0, {0.0, 0.0}, {0.0, 0.125}, {}}, {90.0, {0.0, 0.0}, {-0.125, 0.0}, {}}}},
-        {L"STARS",
-         {{0.0, {0.0, 0.0}, {0.0, 0.216506351}, {0.125, -0.125}},
-          {60.0, {0.0, 0.0}, {-0.1875, 0.1082531755}, {0.125, -0.125}},
-          {120.0, {0.0625, 0.108253176}, {-0.1875, -0.1082531755}, {0.125, -0.125}}}},
-        {L"SWAMP",
-         {{0.0, {0.0, 0.0}, {0.5, 0.866025403}, {0.125, -0.875}},
-          {90.0, {0.0625, 0.0}, {-0.5, 0.866025403}, {0.0625, -1.669550806}},
-          {90.0, {0.078125, 0.0}, {-0.5, 0.866025403}, {0.05, -1.682050806}},
-          {90.0, {0.046875, 0.0}, {-0.5, 0.866025403}, {0.05, -1.682050806}},
-          {60.0, {0.09375, 0.0}, {-0.4999999993, 0.8660254034}, {0.04, -0.96}},
-          {120.0, {0.03125, 0.0}, {-0.9999999993, 4e-10}, {0.04, -0.96}}}},
-        {L"TRIANG",
-         {{60.0, {0.0, 0.0}, {-0.1874999996, 0.3247595262}, {0.1875, -0.1875}},
-          {120.0, {0.0, 0.0}, {-0.3749999996, 2e-10}, {0.1875, -0.1875}},
-          {0.0, {-0.09375, 0.162379763}, {0.1875, 0.324759526}, {0.1875, -0.1875}}}},
-    };
-    return patterns;
-}
 
 bool sameName(const std::wstring& a, const ACHAR* b) {
     std::size_t i = 0;
@@ -74,46 +31,174 @@ bool sameName(const std::wstring& a, const ACHAR* b) {
     return i == a.size() && b[i] == 0;
 }
 
-// The outline of a closed boundary object as a polyline loop, exact for bulges.
-bool outlineOf(AcDbObjectId id, std::vector<AcGePoint2d>& vertices, std::vector<double>& bulges) {
-    vertices.clear();
-    bulges.clear();
+// An open polyline bounds an area only when its ends meet; the repeated end is dropped.
+bool closedOutline(bool closed, AcDbHatch::Loop& loop) {
+    if (!closed && loop.vertices.size() >= 3 &&
+        loop.vertices.front().isEqualTo(loop.vertices.back())) {
+        loop.vertices.pop_back();
+        loop.bulges.pop_back();
+        closed = true;
+    }
+    return closed && loop.vertices.size() >= 2;
+}
+
+// The outline of a closed boundary object as a loop: polylines and circles as a polyline
+// loop, exact for bulges; a closed ellipse or spline as an edge loop of one edge. The
+// loop's type bits other than kPolyline are left to the caller.
+bool loopOf(AcDbObjectId id, AcDbHatch::Loop& loop) {
+    loop.vertices.clear();
+    loop.bulges.clear();
+    loop.edges.clear();
+    loop.closed = true;
     AcDbObject* obj = arx::peekObject(id);
     if (obj == nullptr || id.isErased()) return false;
+    loop.type |= AcDbHatch::kPolyline;
     if (auto* pline = AcDbPolyline::cast(obj)) {
         for (unsigned int i = 0; i < pline->numVerts(); ++i) {
             AcGePoint2d p;
             double b = 0;
             pline->getPointAt(i, p);
             pline->getBulgeAt(i, b);
-            vertices.push_back(p);
-            bulges.push_back(b);
+            loop.vertices.push_back(p);
+            loop.bulges.push_back(b);
         }
-        return vertices.size() >= 2;
+        return closedOutline(pline->isClosed(), loop);
     }
     if (auto* circle = AcDbCircle::cast(obj)) {
         AcGePoint3d c = circle->center();
         double r = circle->radius();
-        vertices = {{c.x + r, c.y}, {c.x - r, c.y}};
-        bulges = {1.0, 1.0};
+        loop.vertices = {{c.x + r, c.y}, {c.x - r, c.y}};
+        loop.bulges = {1.0, 1.0};
         return r > 0;
     }
     if (auto* heavy = AcDb2dPolyline::cast(obj)) {
-        heavy->collect(vertices, bulges);
-        return vertices.size() >= 2;
+        heavy->collect(loop.vertices, loop.bulges);
+        return closedOutline(heavy->isClosed(), loop);
+    }
+    loop.type &= ~AcDbHatch::kPolyline;
+    AcDbHatchEdge edge;
+    if (auto* ellipse = AcDbEllipse::cast(obj)) {
+        if (!ellipse->isClosed()) return false;
+        edge.type = AcDbHatch::kEllArc;
+        edge.center = ellipse->center().convert2d();
+        edge.majorAxis = {ellipse->majorAxis().x, ellipse->majorAxis().y};
+        edge.minorRatio = ellipse->radiusRatio();
+        edge.startAngle = 0;
+        edge.endAngle = 2 * M_PI;
+        edge.counterClockwise = ellipse->normal().z >= 0;
+        loop.edges.push_back(edge);
+        return true;
+    }
+    if (auto* spline = AcDbSpline::cast(obj)) {
+        if (!spline->isClosed() || spline->numControlPoints() == 0) return false;
+        AcDbSpline::Data d = spline->data();
+        edge.type = AcDbHatch::kSpline;
+        edge.degree = d.degree;
+        edge.rational = d.rational;
+        edge.periodic = d.periodic;
+        edge.knots = d.knots;
+        for (const AcGePoint3d& p : d.controlPoints)
+            edge.controlPoints.push_back(p.convert2d());
+        if (d.rational) edge.weights = d.weights;
+        for (const AcGePoint3d& p : d.fitPoints)
+            edge.fitPoints.push_back(p.convert2d());
+        edge.hasTangents = d.hasStartTangent && d.hasEndTangent;
+        if (edge.hasTangents) {
+            edge.startTangent = {d.startTangent.x, d.startTangent.y};
+            edge.endTangent = {d.endTangent.x, d.endTangent.y};
+        }
+        loop.edges.push_back(edge);
+        return true;
     }
     return false;
 }
 
+// The loops of one boundary object: a region gives one per loop of its own, the first of
+// the given type and the rest (its holes) default; every other closed curve gives one.
+bool loopsOf(AcDbObjectId id, Adesk::Int32 type, std::vector<AcDbHatch::Loop>& loops) {
+    loops.clear();
+    if (auto* region = arx::peek<AcDbRegion>(id)) {
+        if (id.isErased() || region->isNull()) return false;
+        for (const AcDbRegion::Loop& own : region->loops()) {
+            AcDbHatch::Loop loop;
+            loop.type = (loops.empty() ? type : AcDbHatch::kDefault) | AcDbHatch::kPolyline;
+            loop.vertices = own.points;
+            loop.bulges = own.bulges;
+            loop.bulges.resize(loop.vertices.size(), 0.0);
+            loop.sources.push_back(id);
+            loops.push_back(std::move(loop));
+        }
+        return true;
+    }
+    AcDbHatch::Loop loop;
+    loop.type = type & ~AcDbHatch::kPolyline;
+    if (!loopOf(id, loop)) return false;
+    loop.sources.push_back(id);
+    loops.push_back(std::move(loop));
+    return true;
+}
+
+void printOnce(const std::string& problem) {
+    static std::string printed;
+    if (problem == printed) return;
+    printed = problem;
+    acutPrintf(L"\n%ls", db::utf8ToWide(problem).c_str());
+}
+
+// The line families of every pattern of one file, by upper-case name, made once per
+// pattern folder and kept (references stay valid); the DXF reader's threads ask too.
+struct PatternTable {
+    std::vector<std::pair<std::wstring, std::vector<AcDbHatchPatternLine>>> patterns;
+    std::string error;
+};
+
+const PatternTable& patternTable(bool metric) {
+    static std::mutex mutex;
+    static std::map<std::pair<std::string, bool>, PatternTable> tables;
+    std::string folder = db::hatchPatternFolder();
+    std::lock_guard<std::mutex> lock(mutex);
+    auto [it, fresh] = tables.try_emplace({folder, metric});
+    PatternTable& table = it->second;
+    if (!fresh) return table;
+    const db::HatchPatternFile* file = db::hatchPatterns(metric, table.error);
+    if (file == nullptr) return table;
+    for (const db::HatchPattern& p : file->patterns()) {
+        std::wstring name;
+        for (char c : p.name)
+            name += static_cast<wchar_t>(std::towupper(static_cast<unsigned char>(c)));
+        std::vector<AcDbHatchPatternLine> lines;
+        for (const db::PatternLine& l : p.lines)
+            lines.push_back({l.angle, {l.baseX, l.baseY}, {l.offsetX, l.offsetY}, l.dashes});
+        table.patterns.emplace_back(std::move(name), std::move(lines));
+    }
+    return table;
+}
+
+const std::vector<AcDbHatchPatternLine>* findPattern(const ACHAR* name, bool metric) {
+    for (const auto& [key, lines] : patternTable(metric).patterns) {
+        if (sameName(key, name)) return &lines;
+    }
+    return nullptr;
+}
+
+bool metricDrawing(const AcDbObject& obj) {
+    const AcDbDatabase* database = obj.database();
+    if (database == nullptr) database = acdbHostApplicationServices()->workingDatabase();
+    return database != nullptr && database->measurement() == 1;
+}
+
 }  // namespace
 
-const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name) {
+const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name,
+                                                                    bool metric) {
     static const std::vector<AcDbHatchPatternLine> none;
-    if (name == nullptr) return none;
-    for (const NamedPattern& p : predefinedPatterns()) {
-        if (sameName(p.name, name)) return p.lines;
-    }
-    return none;
+    if (name == nullptr || *name == 0 || sameName(L"SOLID", name)) return none;
+    const std::vector<AcDbHatchPatternLine>* lines = findPattern(name, metric);
+    return lines ? *lines : none;
+}
+
+const std::string& acdbHatchPatternFileError(bool metric) {
+    return patternTable(metric).error;
 }
 
 #define KPLAN_HATCH_WRITE \
@@ -148,9 +233,18 @@ Acad::ErrorStatus AcDbHatch::setHatchStyle(HatchStyle style) {
 Acad::ErrorStatus AcDbHatch::setPattern(HatchPatternType type, const ACHAR* name) {
     KPLAN_HATCH_WRITE;
     if (name == nullptr || *name == 0) return Acad::eInvalidInput;
+    bool solid = type == kPreDefined && sameName(L"SOLID", name);
+    if (type == kPreDefined && !solid) {
+        // A pattern file that cannot be read is the installation's fault, not the name's.
+        const std::string& problem = acdbHatchPatternFileError(metricDrawing(*this));
+        if (!problem.empty()) {
+            printOnce(problem);
+            return Acad::eFileNotFound;
+        }
+    }
     patternType_ = type;
     patternName_ = name;
-    solid_ = type == kPreDefined && sameName(L"SOLID", name);
+    solid_ = solid;
     computePatternLines();
     return Acad::eOk;
 }
@@ -191,7 +285,7 @@ void AcDbHatch::computePatternLines() {
     if (solid_) return;
     std::vector<AcDbHatchPatternLine> base;
     if (patternType_ == kPreDefined) {
-        base = acdbPredefinedHatchPattern(patternName_.c_str());
+        base = acdbPredefinedHatchPattern(patternName_.c_str(), metricDrawing(*this));
     } else if (patternType_ == kUserDefined) {
         base.push_back({0, {0, 0}, {0, patternSpace_ / patternScale_}, {}});
         if (patternDouble_) base.push_back({90, {0, 0}, {-patternSpace_ / patternScale_, 0}, {}});
@@ -257,11 +351,10 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcGePoint2d
 Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcDbObjectIdArray& dbObjIds) {
     KPLAN_HATCH_WRITE;
     if (dbObjIds.length() != 1) return Acad::eInvalidInput;  // one closed curve per loop
-    Loop loop;
-    loop.type = loopType | kPolyline;
-    if (!outlineOf(dbObjIds[0], loop.vertices, loop.bulges)) return Acad::eInvalidInput;
-    loop.sources.push_back(dbObjIds[0]);
-    loops_.push_back(std::move(loop));
+    std::vector<Loop> loops;
+    if (!loopsOf(dbObjIds[0], loopType & ~kPolyline, loops)) return Acad::eInvalidInput;
+    for (Loop& loop : loops)
+        loops_.push_back(std::move(loop));
     return Acad::eOk;
 }
 
@@ -352,16 +445,46 @@ Acad::ErrorStatus AcDbHatch::removeAssocObjIds() {
 
 void AcDbHatch::modified(const AcDbObject* dbObj) {
     if (!associative_ || dbObj == nullptr) return;
-    for (Loop& loop : loops_) {
-        if (loop.sources.size() != 1 || loop.sources[0] != dbObj->objectId()) continue;
-        std::vector<AcGePoint2d> vertices;
-        std::vector<double> bulges;
-        if (!outlineOf(loop.sources[0], vertices, bulges)) continue;
-        loop.type |= kPolyline;
-        loop.vertices = std::move(vertices);
-        loop.bulges = std::move(bulges);
-        loop.edges.clear();
+    refreshFrom(dbObj->objectId());
+}
+
+// The loops made from one boundary object are made again, where they were; a boundary
+// that no longer makes a loop (erased, opened up) leaves them as they were.
+void AcDbHatch::refreshFrom(AcDbObjectId source) {
+    std::size_t first = loops_.size();
+    for (std::size_t i = 0; i < loops_.size() && first == loops_.size(); ++i) {
+        if (loops_[i].sources.size() == 1 && loops_[i].sources[0] == source) first = i;
     }
+    if (first == loops_.size()) return;
+    std::vector<Loop> fresh;
+    if (!loopsOf(source, loops_[first].type & ~kPolyline, fresh)) return;
+    std::erase_if(loops_, [&](const Loop& loop) {
+        return loop.sources.size() == 1 && loop.sources[0] == source;
+    });
+    loops_.insert(loops_.begin() + static_cast<std::ptrdiff_t>(first),
+                  std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
+}
+
+Acad::ErrorStatus AcDbHatch::evaluateHatch(bool underEstimateNumLines) {
+    db::failIfArmed("AcDbHatch::evaluateHatch");
+    (void)underEstimateNumLines;  // no display lines are kept: nothing to estimate
+    if (associative_) {
+        std::vector<AcDbObjectId> sources;
+        for (const Loop& loop : loops_) {
+            if (loop.sources.size() == 1 &&
+                std::find(sources.begin(), sources.end(), loop.sources[0]) == sources.end())
+                sources.push_back(loop.sources[0]);
+        }
+        for (AcDbObjectId source : sources)
+            refreshFrom(source);
+    }
+    computePatternLines();
+    if (loops_.empty()) return Acad::eDegenerateGeometry;
+    for (const Loop& loop : loops_) {
+        if (loop.isPolyline() ? loop.vertices.size() < 2 : loop.edges.empty())
+            return Acad::eDegenerateGeometry;
+    }
+    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbHatch::getGeomExtents(AcDbExtents& extents) const {

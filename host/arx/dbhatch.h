@@ -83,8 +83,8 @@ class AcDbHatch : public AcDbEntity {
     HatchStyle hatchStyle() const { return style_; }
     Acad::ErrorStatus setHatchStyle(HatchStyle style);
 
-    // A predefined pattern gets the line families of the standard pattern file, scaled
-    // and rotated by the current pattern scale and angle; "SOLID" fills.
+    // A predefined pattern gets the line families of the pattern file, scaled and
+    // rotated by the current pattern scale and angle; "SOLID" fills.
     Acad::ErrorStatus setPattern(HatchPatternType type, const ACHAR* name);
     HatchPatternType patternType() const { return patternType_; }
     const ACHAR* patternName() const { return patternName_.c_str(); }
@@ -107,8 +107,10 @@ class AcDbHatch : public AcDbEntity {
     // A polyline loop from vertices and bulges (one bulge per vertex, or none).
     Acad::ErrorStatus appendLoop(Adesk::Int32 loopType, const AcGePoint2dArray& vertices,
                                  const AcGeDoubleArray& bulges);
-    // A loop made from the outlines of closed curves (polylines, circles), which it
-    // remembers as its source objects.
+    // A loop made from the outline of one closed curve, which it remembers as its source
+    // object: a polyline (lightweight or 2D) or a circle gives a polyline loop, a closed
+    // ellipse or spline an edge loop of one edge, a region one polyline loop per loop of
+    // its own (the first of loopType, its holes default). eInvalidInput for anything else.
     Acad::ErrorStatus appendLoop(Adesk::Int32 loopType, const AcDbObjectIdArray& dbObjIds);
     // A loop of edges (lines, arcs, elliptic arcs, splines).
     Acad::ErrorStatus appendLoop(Adesk::Int32 loopType, const std::vector<AcDbHatchEdge>& edges);
@@ -124,6 +126,11 @@ class AcDbHatch : public AcDbEntity {
 
     // A boundary object changed: loops made from it are rebuilt from its outline.
     void modified(const AcDbObject* dbObj) override;
+    // Makes the hatch ready to be drawn: an associative hatch's loops are rebuilt from
+    // their boundary objects, the pattern lines from the pattern. eDegenerateGeometry
+    // for a hatch without loops or with a loop of no vertices or edges. Works on a hatch
+    // not yet in a drawing.
+    Acad::ErrorStatus evaluateHatch(bool underEstimateNumLines = false);
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
 
     // For loaders: the stored state as read.
@@ -137,6 +144,7 @@ class AcDbHatch : public AcDbEntity {
 
   private:
     void computePatternLines();
+    void refreshFrom(AcDbObjectId source);
 
     std::vector<Loop> loops_;
     std::vector<AcDbHatchPatternLine> lines_;
@@ -148,6 +156,13 @@ class AcDbHatch : public AcDbEntity {
     bool solid_ = true, associative_ = false, patternDouble_ = false;
 };
 
-// The line families of a predefined pattern at scale 1 and angle 0, empty for SOLID
-// and for a name the standard pattern file lacks.
-const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name);
+// The line families of a predefined pattern at scale 1 and angle 0, from the imperial
+// pattern file (kplan.pat) or the metric one (kplaniso.pat); empty for SOLID, for a name
+// the file lacks and when the file cannot be read (see acdbHatchPatternFileError). A
+// hatch takes the file of its drawing's $MEASUREMENT.
+const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name,
+                                                                    bool metric = false);
+// Why the pattern file cannot be read (missing, or the line that is malformed), "" when
+// it was read. setPattern of a predefined pattern other than SOLID then fails with
+// eFileNotFound and prints this once on the command line.
+const std::string& acdbHatchPatternFileError(bool metric);

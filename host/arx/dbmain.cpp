@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "host/arx/acutads.h"
+#include "host/arx/dbapserv.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
@@ -602,6 +603,8 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
 
 void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
     if (database == nullptr) database = this->database();
+    // A new entity takes the defaults of the drawing being worked on, as in the host.
+    if (database == nullptr) database = acdbHostApplicationServices()->workingDatabase();
     if (database == nullptr) return;
     if (auto* record = arx::peek<AcDbLayerTableRecord>(database->clayer())) {
         layer_ = record->nameText();
@@ -767,6 +770,12 @@ void AcDbDatabase::setHighlighted(AcDbObjectId id, bool on) {
     } else {
         highlighted_.erase(id);
     }
+}
+
+Acad::ErrorStatus AcDbDatabase::setMeasurement(int measurement) {
+    if (measurement != 0 && measurement != 1) return Acad::eInvalidInput;
+    measurement_ = measurement;
+    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbDatabase::setTilemode(bool tilemode) {

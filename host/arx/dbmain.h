@@ -280,6 +280,9 @@ class AcDbDatabase : public db::Database {
     // Model space while TILEMODE is 1, else paper space.
     AcDbObjectId currentSpaceId() const { return tilemode_ ? modelSpace_ : paperSpace_; }
     bool tilemode() const { return tilemode_; }
+    // $MEASUREMENT: 0 imperial, 1 metric; it chooses the pattern file of new hatches.
+    int measurement() const { return measurement_; }
+    Acad::ErrorStatus setMeasurement(int measurement);
     Acad::ErrorStatus setTilemode(bool tilemode);
 
     AcDbObjectId clayer() const { return clayer_; }
@@ -318,6 +321,7 @@ class AcDbDatabase : public db::Database {
     AcDbObjectId namedObjects_, modelSpace_, paperSpace_, clayer_;
     AcCmColor cecolor_;
     bool tilemode_ = true;
+    int measurement_ = 0;
     View view_;
     std::set<AcDbObjectId> highlighted_;
 };

@@ -1,6 +1,7 @@
 #include "host/arx/dbsortents.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "host/arx/dbdict.h"
@@ -31,12 +32,16 @@ std::vector<AcDbObjectId> AcDbSortentsTable::drawOrder() const {
     std::vector<AcDbObjectId> ids;
     auto* block = arx::peek<AcDbBlockTableRecord>(block_);
     if (block == nullptr) return ids;
+    // Looked up once per entity: a drawing whose fills all moved has as many entries.
+    std::unordered_map<AcDbObjectId, std::uint64_t> sortHandles;
+    for (const auto& [entity, sortHandle] : entries_)
+        sortHandles.emplace(entity, sortHandle.value());
     std::vector<std::pair<std::uint64_t, AcDbObjectId>> keyed;
+    keyed.reserve(block->entityIds().size());
     for (AcDbObjectId id : block->entityIds()) {
         if (id.isErased()) continue;
-        AcDbHandle key;
-        getSortHandle(id, key);
-        keyed.emplace_back(key.value(), id);
+        auto found = sortHandles.find(id);
+        keyed.emplace_back(found == sortHandles.end() ? id.handle().value() : found->second, id);
     }
     std::stable_sort(keyed.begin(), keyed.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
@@ -89,11 +94,10 @@ Acad::ErrorStatus AcDbSortentsTable::moveRelative(const AcDbObjectIdArray& ids, 
                                                   bool above) {
     if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
     std::vector<AcDbObjectId> current = drawOrder();
+    std::unordered_set<AcDbObjectId> live(current.begin(), current.end());
     std::unordered_set<AcDbObjectId> moving;
     for (int i = 0; i < ids.length(); ++i) {
-        if (std::find(current.begin(), current.end(), ids[i]) == current.end()) {
-            return Acad::eInvalidInput;  // not a live entity of this block
-        }
+        if (!live.count(ids[i])) return Acad::eInvalidInput;  // not a live entity of this block
         moving.insert(ids[i]);
     }
     if (moving.count(target)) return Acad::eInvalidInput;

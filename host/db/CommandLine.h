@@ -110,7 +110,15 @@ class CommandLine {
 
     // Everything shown on the command line: prompts, messages, and the answers typed.
     const std::wstring& transcript() const { return transcript_; }
-    void clearTranscript() { transcript_.clear(); }
+    // Clears the commands run as well.
+    void clearTranscript() {
+        transcript_.clear();
+        commands_.clear();
+    }
+    // The commands acedCommand ran, one line each with their answers as given, an empty
+    // answer as "" and a selection set as <N selected>: draworder <2 selected> "" B "".
+    const std::vector<std::wstring>& commands() const { return commands_; }
+    void noteCommand(std::wstring line) { commands_.push_back(std::move(line)); }
     // A program that shows nothing of the command line keeps no transcript either: a long
     // statistic may say the same thing for every parcel.
     void keepTranscript(bool keep) { keepTranscript_ = keep; }
@@ -133,6 +141,7 @@ class CommandLine {
 
   private:
     std::wstring transcript_;
+    std::vector<std::wstring> commands_;
     bool keepTranscript_ = true;
     std::wostream* echoStream_ = nullptr;
     std::function<void(std::wstring_view)> echoCallback_;

@@ -1,5 +1,7 @@
 #include "host/db/SelectionSets.h"
 
+#include <algorithm>
+
 #include "host/db/Leaks.h"
 
 namespace db {
@@ -17,7 +19,31 @@ std::vector<EntityName>* SelectionSets::find(std::int64_t id) {
     return it == sets_.end() ? nullptr : &it->second;
 }
 
+bool SelectionSets::add(std::int64_t id, const EntityName& name) {
+    auto it = sets_.find(id);
+    if (it == sets_.end()) return false;
+    auto indexed = index_.find(id);
+    if (indexed == index_.end())
+        indexed = index_
+                      .emplace(id, std::unordered_set<EntityName, NameHash>(it->second.begin(),
+                                                                            it->second.end()))
+                      .first;
+    if (indexed->second.insert(name).second) it->second.push_back(name);
+    return true;
+}
+
+bool SelectionSets::remove(std::int64_t id, const EntityName& name) {
+    auto it = sets_.find(id);
+    if (it == sets_.end()) return false;
+    auto member = std::find(it->second.begin(), it->second.end(), name);
+    if (member == it->second.end()) return false;
+    it->second.erase(member);
+    if (auto indexed = index_.find(id); indexed != index_.end()) indexed->second.erase(name);
+    return true;
+}
+
 bool SelectionSets::free(std::int64_t id) {
+    index_.erase(id);
     if (sets_.erase(id) == 0) return false;
     leakCounts().liveSelectionSets--;
     return true;

@@ -6,7 +6,9 @@
 // at a time.
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace db {
@@ -19,8 +21,15 @@ class SelectionSets {
 
     // A new set; 0 when kMaxSets are open already.
     std::int64_t create(std::vector<EntityName> members);
-    // The members of a live set, null for a freed or unknown one.
+    // The members of a live set, null for a freed or unknown one; changed only through
+    // add and remove.
     std::vector<EntityName>* find(std::int64_t id);
+    // Appends a name the set does not hold yet (true when the set is live). Membership is
+    // looked up in an index made on the first add, so that adding every fill of a large
+    // drawing one by one stays linear.
+    bool add(std::int64_t id, const EntityName& name);
+    // Removes a member; false when the set is not live or lacks it.
+    bool remove(std::int64_t id, const EntityName& name);
     bool free(std::int64_t id);
     std::size_t liveCount() const { return sets_.size(); }
 
@@ -31,7 +40,13 @@ class SelectionSets {
     static std::int64_t fromName(const std::int64_t name[2]);
 
   private:
+    struct NameHash {
+        std::size_t operator()(const EntityName& n) const {
+            return std::hash<std::int64_t>()(n[0]) * 31 + std::hash<std::int64_t>()(n[1]);
+        }
+    };
     std::unordered_map<std::int64_t, std::vector<EntityName>> sets_;
+    std::unordered_map<std::int64_t, std::unordered_set<EntityName, NameHash>> index_;
     std::int64_t next_ = 1;
 };
 

@@ -14,6 +14,7 @@
 #include "host/arx/peek.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/AttributeCodecs.h"
+#include "host/dxf/CurveCodecs.h"
 #include "host/dxf/FieldTable.h"
 
 namespace dxf {
@@ -1287,6 +1288,8 @@ const std::vector<Codec>& entityCodecs() {
         insertCodec(),
         attribCodec(),
         attdefCodec(),
+        ellipseCodec(),
+        splineCodec(),
     };
     return codecs;
 }

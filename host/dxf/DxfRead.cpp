@@ -622,10 +622,16 @@ bool Loader::readHeader() {
             // Kept free from now on, for what has no handle in the file.
             database_.setHandseed(handseed_);
         }
-        if (name == "$INSUNITS" || name == "$TILEMODE") {
+        if (name == "$INSUNITS" || name == "$TILEMODE" || name == "$MEASUREMENT") {
             std::int64_t v = 0;
             if (ctx_.integer(TagView{raw[i + 1].first, value, lines[i + 1]}, v)) {
-                (name == "$INSUNITS" ? file_->insUnits : tilemode_) = static_cast<int>(v);
+                if (name == "$MEASUREMENT") {
+                    // Anything but 1 is taken as imperial, as the host does; kept as read.
+                    if (v != 0 && v != 1) file_->headerAsRead.emplace_back(name);
+                    database_.setMeasurement(v == 1 ? 1 : 0);
+                } else {
+                    (name == "$INSUNITS" ? file_->insUnits : tilemode_) = static_cast<int>(v);
+                }
             }
             std::size_t line = 0;
             std::string what;

@@ -218,6 +218,12 @@ void Saver::writeHeader() {
                     ++i;
                     continue;
                 }
+                if (name == "$MEASUREMENT" && !asRead) {
+                    out.text(9, name);
+                    out.integer(70, database_.measurement());
+                    ++i;
+                    continue;
+                }
                 if (name == "$TILEMODE" && !asRead) {
                     out.text(9, name);
                     out.integer(70, database_.tilemode() ? 1 : 0);
@@ -237,9 +243,9 @@ void Saver::writeHeader() {
         writeSeed();
         out.text(9, "$INSUNITS");
         out.integer(70, file_ ? file_->insUnits : 6);
-        // Hatch patterns are made from the standard (imperial) pattern file.
+        // Which pattern file the hatches were made from (other programs remake them).
         out.text(9, "$MEASUREMENT");
-        out.integer(70, 0);
+        out.integer(70, database_.measurement());
         out.text(9, "$TILEMODE");
         out.integer(70, database_.tilemode() ? 1 : 0);
     }

@@ -5,6 +5,8 @@
 #include <system_error>
 #include <vector>
 
+#include "host/db/HatchPatternFile.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -120,6 +122,11 @@ CString CKovaDataSet::FGetCurYDLB() {
 
 void CKovaDataSet::FSetGStandardDirPath(const ACHAR* root) {
     settings().root = root ? root : L"";
+    // A data folder laid out as the shipped one has its hatch patterns beside the standards.
+    fs::path patterns = toPath(settings().root) / ".." / "patterns";
+    db::setHatchPatternFolder(!settings().root.empty() && isDirectory(patterns)
+                                  ? patterns.lexically_normal().string()
+                                  : std::string());
 }
 
 void CKovaDataSet::FSetStandardName(const ACHAR* standard) {

@@ -21,6 +21,8 @@ class CKovaDataSet {
     static CString FGetCurYDLB();
 
     // An empty value drops the setting, so that the environment or the default applies.
+    // A root whose parent folder holds "patterns" (as data/standards beside data/patterns)
+    // also gives the hatch pattern files.
     static void FSetGStandardDirPath(const ACHAR* root);
     static void FSetStandardName(const ACHAR* standard);
     static void FSetCurYDLB(const ACHAR* classTable);

@@ -103,6 +103,20 @@ AcDbObjectId SafeAddToDb(AcDbEntity*& entity, AcDbDatabase* database) {
     return id;
 }
 
+int HandOverTo(AcDbObjectId from, AcDbObjectId to) {
+    if (!FIsValidId(from) || !FIsValidId(to) || from == to) return 0;
+    AcDbEntity* source = nullptr;
+    if (acdbOpenAcDbEntity(source, from, AcDb::kForRead) != Acad::eOk) return 0;
+    AcDbEntity* target = nullptr;
+    Acad::ErrorStatus es = acdbOpenAcDbEntity(target, to, AcDb::kForWrite);
+    if (es == Acad::eOk) {
+        es = target->setPropertiesFrom(source);
+        target->close();
+    }
+    source->close();
+    return es == Acad::eOk ? 1 : 0;
+}
+
 int Erase(AcDbObjectId id) {
     if (!FIsValidId(id)) return 0;
     AcDbEntity* ent = nullptr;

@@ -22,6 +22,11 @@ AcDbObjectId AddToDb(AcDbEntity* entity, AcDbDatabase* database = nullptr);
 // when not, and the pointer is set to null either way.
 AcDbObjectId SafeAddToDb(AcDbEntity*& entity, AcDbDatabase* database = nullptr);
 
+// Gives the entity `to` the layer, colour, linetype, linetype scale, line weight and
+// visibility of `from`, as a curve that replaces another takes them over; 0 when either
+// cannot be opened.
+int HandOverTo(AcDbObjectId from, AcDbObjectId to);
+
 // Erases the entity; 0 when it is not valid or cannot be opened for write.
 int Erase(AcDbObjectId id);
 // Erases every listed entity it can; 1 when all of them were erased (an empty list

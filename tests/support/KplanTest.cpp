@@ -1,5 +1,7 @@
 #include "tests/support/KplanTest.h"
 
+#include "host/db/Faults.h"
+
 #include "host/arx/acedads.h"
 #include "host/arx/dbattr.h"
 #include "host/arx/dbents.h"
@@ -26,6 +28,7 @@ void KplanTest::TearDown() {
     input_.reset();
     standards_.reset();
     db::useScriptedInput();
+    db::clearFaults();
 }
 
 AcDbObjectId KplanTest::addEntity(AcDbEntity* entity, AcDbObjectId space) {

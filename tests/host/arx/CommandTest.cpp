@@ -1,9 +1,15 @@
-// Host commands run from code: ZOOM moves the view of the working drawing; anything the
+// Host commands run from code: ZOOM moves the view of the working drawing, HATCH fills
+// boundaries (DRAWORDER is tested with its callers in draw/); anything the
 // host does not know is refused with a message, and every list built is released.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "host/arx/acedads.h"
 #include "host/arx/acutads.h"
+#include "host/arx/dbhatch.h"
+#include "host/arx/peek.h"
+#include "host/kova/KovaCad.h"
 #include "tests/support/KplanTest.h"
 
 namespace {
@@ -86,6 +92,68 @@ TEST_F(CommandTest, AViewTheHostCannotShowIsKeptSensible) {
     EXPECT_EQ(view().height, 1000);
     EXPECT_EQ(view().aspect, 1.5);
     EXPECT_TRUE(view().known);
+}
+
+}  // namespace
+
+namespace {
+
+// HATCH: a pattern, its scale and angle in degrees (or empty answers for 1 and 0), the
+// boundary objects and the empty answer that ends the selection make one associative
+// hatch in the current space; what it cannot fill is refused.
+TEST_F(CommandTest, HatchFillsTheSelectedBoundariesWithThePatternAsked) {
+    AcDbObjectId parcel = addRectangle(0, 0, 10, 10);
+    AcDbObjectId island = addCircle(5, 5, 2);
+    ads_name a, b, last;
+    ASSERT_EQ(acdbGetAdsName(a, parcel), Acad::eOk);
+    ASSERT_EQ(acdbGetAdsName(b, island), Acad::eOk);
+    ASSERT_EQ(acedCommand(RTSTR, L"._HATCH", RTSTR, L"ansi31", RTREAL, 2.0, RTREAL, 45.0, RTENAME,
+                          a, RTENAME, b, RTSTR, L"", RTNONE),
+              RTNORM);
+    ASSERT_EQ(kova::cad::GetLastEnt(last), 1);
+    AcDbObjectId id;
+    ASSERT_EQ(acdbGetObjectId(id, last), Acad::eOk);
+    auto* hatch = arx::peek<AcDbHatch>(id);
+    ASSERT_NE(hatch, nullptr);
+    EXPECT_STREQ(hatch->patternName(), L"ANSI31");
+    EXPECT_EQ(hatch->patternScale(), 2.0);
+    EXPECT_NEAR(hatch->patternAngle(), M_PI / 4, 1e-15);
+    EXPECT_TRUE(hatch->associative());
+    EXPECT_EQ(hatch->numLoops(), 2);
+    EXPECT_TRUE(arx::peekObject(island)->hasPersistentReactor(id));
+
+    ASSERT_EQ(acedCommand(RTSTR, L"hatch", RTSTR, L"NET", RTSTR, L"", RTSTR, L"", RTENAME, a, RTSTR,
+                          L"", RTNONE),
+              RTNORM);
+    kova::cad::GetLastEnt(last);
+    acdbGetObjectId(id, last);
+    EXPECT_EQ(arx::peek<AcDbHatch>(id)->patternScale(), 1.0) << "an empty answer takes 1";
+
+    AcDbObjectId open = addPolyline({{0, 0}, {10, 0}, {10, 10}}, {}, false);
+    ads_name o;
+    acdbGetAdsName(o, open);
+    struct Case {
+        const char* what;
+        int result;
+        const wchar_t* said;
+    } refused[] = {
+        {"unknown pattern",
+         acedCommand(RTSTR, L".hatch", RTSTR, L"NO_SUCH", RTENAME, a, RTSTR, L"", RTNONE),
+         L"\nUnknown pattern name: NO_SUCH"},
+        {"open boundary",
+         acedCommand(RTSTR, L".hatch", RTSTR, L"solid", RTENAME, o, RTSTR, L"", RTNONE),
+         L"\nValid hatch boundary not found."},
+        {"no end of selection", acedCommand(RTSTR, L".hatch", RTSTR, L"solid", RTENAME, a, RTNONE),
+         L"\nHATCH: select objects, then an empty answer to end the selection."},
+    };
+    for (const Case& c : refused) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.result, RTERROR);
+        EXPECT_NE(transcript().find(c.said), std::wstring::npos) << transcript();
+    }
+    kova::cad::GetLastEnt(last);
+    acdbGetObjectId(id, last);
+    EXPECT_EQ(id, open) << "nothing was added";
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
 // Hatches: loops from vertices, from boundary objects and from edges; the pattern lines
 // of predefined patterns; associativity that follows the boundary.
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 
 #include "host/arx/dbents.h"
 #include "host/arx/dbhatch.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/peek.h"
+#include "host/db/HatchPatternFile.h"
+#include "host/db/TextCodec.h"
 #include "tests/support/KplanTest.h"
 
 namespace {
@@ -139,6 +143,44 @@ TEST_F(HatchTest, EdgeLoopsOfLinesAndArcsReadAsVerticesAndBulges) {
     ASSERT_EQ(hatch->getGeomExtents(extents), Acad::eOk);
     EXPECT_EQ(extents.maxPoint().x, 15);
     delete hatch;
+}
+
+}  // namespace
+
+namespace {
+
+// The pattern file follows the drawing's measurement; a broken one is said once and
+// refuses the pattern instead of leaving a hatch without lines.
+TEST_F(HatchTest, PatternsComeFromTheFileOfTheDrawingsMeasurement) {
+    auto lineOf = [&](const ACHAR* name) {
+        auto* hatch = new AcDbHatch();
+        EXPECT_EQ(hatch->setPattern(AcDbHatch::kPreDefined, name), Acad::eOk);
+        AcDbHatchPatternLine line;
+        if (hatch->numPatternDefinitions() > 0) line = hatch->patternLines()[0];
+        delete hatch;
+        return line;
+    };
+    // ANSI31: 45 degree lines 1/8 inch apart, or 3.175 mm.
+    EXPECT_NEAR(lineOf(L"ANSI31").offset.length(), 0.125, 1e-9);
+    ASSERT_EQ(database()->setMeasurement(1), Acad::eOk);
+    EXPECT_NEAR(lineOf(L"ansi31").offset.length(), 3.175, 1e-8);
+    EXPECT_EQ(database()->setMeasurement(2), Acad::eInvalidInput);
+    EXPECT_EQ(acdbPredefinedHatchPattern(L"ANSI31", true)[0].offset, lineOf(L"ANSI31").offset);
+
+    std::string folder = testing::TempDir() + "kplan-broken-patterns";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder + "/kplaniso.pat") << "*ANSI31\n45, 0,0, 0,three\n";
+    db::setHatchPatternFolder(folder);
+    auto* hatch = new AcDbHatch();
+    EXPECT_EQ(hatch->setPattern(AcDbHatch::kPreDefined, L"ANSI31"), Acad::eFileNotFound);
+    EXPECT_EQ(hatch->setPattern(AcDbHatch::kPreDefined, L"NET"), Acad::eFileNotFound);
+    EXPECT_STREQ(hatch->patternName(), L"SOLID") << "the hatch is left as it was";
+    EXPECT_EQ(hatch->setPattern(AcDbHatch::kPreDefined, L"solid"), Acad::eOk) << "needs no file";
+    delete hatch;
+    db::setHatchPatternFolder("");
+    std::wstring said = db::utf8ToWide(folder + "/kplaniso.pat, line 2: \"three\" is no number");
+    EXPECT_NE(transcript().find(said), std::wstring::npos) << transcript();
+    EXPECT_EQ(transcript().find(said), transcript().rfind(said)) << "said once";
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "host/arx/dbpl.h"
 #include "host/arx/dbsortents.h"
 #include "host/arx/dbsymtb.h"
+#include "host/arx/dbunknown.h"
 #include "host/db/CommandLine.h"
 #include "host/db/WildcardMatch.h"
 #include "tests/support/LeakCheck.h"
@@ -318,6 +319,19 @@ TEST_F(SelectionTest, FiltersOverTheWholeDrawing) {
         EXPECT_EQ(rc, c.expected.empty() ? RTERROR : RTNORM);
         EXPECT_EQ(got, c.expected);
     }
+}
+
+// An entity kept as read is selected by the type its file gave it.
+TEST_F(SelectionTest, KeptEntitiesAreSelectedByTheirFileType) {
+    add("solid", new AcDbUnknownEntity("SOLID", {}));
+    add("point", new AcDbUnknownEntity("POINT", {}));
+    rectangle("parcel", 0, 0, 10, 10, {L"DK"});
+    resbuf* filter = acutBuildList(RTDXF0, L"HATCH,SOLID", 0);
+    EXPECT_EQ(select(L"X", nullptr, nullptr, filter), (Labels{"solid"}));
+    acutRelRb(filter);
+    filter = acutBuildList(RTDXF0, L"~POINT", 0);
+    EXPECT_EQ(select(L"X", nullptr, nullptr, filter), (Labels{"parcel", "solid"}));
+    acutRelRb(filter);
 }
 
 TEST_F(SelectionTest, MalformedFiltersFail) {

@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "host/arx/acedads.h"
 #include "host/arx/acutads.h"
 #include "host/arx/dbdict.h"
 #include "host/arx/dbents.h"
@@ -33,6 +34,13 @@ class DxfDrawingTest : public KplanTest {
     void setXData(AcDbObjectId id, resbuf* list) {
         edit<AcDbObject>(id, [&](AcDbObject* o) { EXPECT_EQ(o->setXData(list), Acad::eOk); });
         acutRelRb(list);
+    }
+    void eraseAll() {
+        std::vector<AcDbObjectId> ids =
+            arx::peek<AcDbBlockTableRecord>(database()->modelSpaceId())->entityIds();
+        for (AcDbObjectId id : ids) {
+            if (!id.isErased()) edit<AcDbObject>(id, [](AcDbObject* o) { o->erase(); });
+        }
     }
     AcDbObjectId addHatch(AcDbObjectId boundary, const ACHAR* pattern) {
         auto* hatch = new AcDbHatch();
@@ -98,12 +106,42 @@ TEST_F(DxfDrawingTest, EzdxfDrawsTheHatchPatternsFromTheirLines) {
     // Every predefined pattern the class tables name, as other programs see it.
     const ACHAR* patterns[] = {L"ANSI31", L"ANSI37", L"AR-SAND", L"DASH",  L"DOTS",  L"EARTH",
                                L"GRASS",  L"LINE",   L"NET",     L"STARS", L"SWAMP", L"TRIANG"};
-    for (const ACHAR* name : patterns)
-        addHatch(addRectangle(0, 0, 10, 10), name);
-    std::string path = dxftest::makeTempFolder() + "/patterns.dxf";
-    std::string error, output;
-    ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
-    EXPECT_EQ(dxftest::runPython("check_patterns.py", {path}, output), 0) << output;
+    // A metric drawing takes the metric pattern file, as ezdxf's acadiso patterns.
+    for (int measurement : {0, 1}) {
+        SCOPED_TRACE(measurement);
+        ASSERT_EQ(database()->setMeasurement(measurement), Acad::eOk);
+        for (const ACHAR* name : patterns)
+            addHatch(addRectangle(0, 0, 10, 10), name);
+        std::string path = dxftest::makeTempFolder() + "/patterns.dxf";
+        std::string error, output;
+        ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
+        EXPECT_EQ(dxftest::runPython("check_patterns.py", {path}, output), 0) << output;
+        auto loaded = dxf::load(path, error);
+        ASSERT_TRUE(loaded) << error;
+        EXPECT_EQ(loaded->measurement(), measurement);
+        eraseAll();
+    }
+}
+
+// The association lives in the file (the hatch's 330 in its boundary's {ACAD_REACTORS}):
+// after a save and a load, editing the boundary still rebuilds the fill.
+TEST_F(DxfDrawingTest, AFillReadFromAFileStillFollowsItsBoundary) {
+    AcDbObjectId parcel = addRectangle(0, 0, 10, 10);
+    AcDbObjectId hatch = addHatch(parcel, L"SOLID");
+    std::string text;
+    auto loaded = reload(*database(), &text);
+    ASSERT_TRUE(loaded);
+    EXPECT_NE(text.find("{ACAD_REACTORS"), std::string::npos);
+    AcDbObjectId boundary(loaded->find(parcel.handle().value()));
+    AcDbObjectId fill(loaded->find(hatch.handle().value()));
+    AcDbPolyline* pline = nullptr;
+    ASSERT_EQ(acdbOpenObject(pline, boundary, AcDb::kForWrite), Acad::eOk);
+    pline->addVertexAt(2, AcGePoint2d(15, 5));
+    pline->close();
+    const AcDbHatch::Loop* loop = arx::peek<AcDbHatch>(fill)->loopAt(0);
+    ASSERT_NE(loop, nullptr);
+    ASSERT_EQ(loop->vertices.size(), 5u);
+    EXPECT_EQ(loop->vertices[2], AcGePoint2d(15, 5));
 }
 
 TEST_F(DxfDrawingTest, AHatchWhoseBoundaryIsGoneIsWrittenNonAssociative) {
@@ -199,6 +237,33 @@ TEST_F(DxfDrawingTest, DictionariesSoftLinksAndDrawOrderComeBack) {
     EXPECT_EQ(drawn[0], idIn(island));
     EXPECT_EQ(drawn[1], idIn(cover));
     EXPECT_EQ(drawn[2], idIn(parcel));
+}
+
+// Fills sent behind by the host's DRAWORDER are drawn first by other programs too.
+TEST_F(DxfDrawingTest, FillsSentBehindAreDrawnFirstByEzdxf) {
+    AcDbObjectId first = addRectangle(0, 0, 10, 10);
+    AcDbObjectId second = addRectangle(20, 0, 30, 10);
+    AcDbObjectId firstFill = addHatch(first, L"SOLID");
+    AcDbObjectId secondFill = addHatch(second, L"ANSI31");
+    ads_name ss = {0, 0}, name;
+    for (AcDbObjectId fill : {firstFill, secondFill}) {
+        ASSERT_EQ(acdbGetAdsName(name, fill), Acad::eOk);
+        ASSERT_EQ(acedSSAdd(name, ads_name_nil(ss) ? nullptr : ss, ss), RTNORM);
+    }
+    EXPECT_EQ(
+        acedCommand(RTSTR, L"draworder", RTPICKS, ss, RTSTR, L"", RTSTR, L"B", RTSTR, L"", RTNONE),
+        RTNORM);
+    acedSSFree(ss);
+    std::string path = dxftest::makeTempFolder() + "/order.dxf";
+    std::string error, output;
+    ASSERT_TRUE(dxf::save(*database(), path, error)) << error;
+    ASSERT_EQ(dxftest::runPython("list_draw_order.py", {path}, output), 0) << output;
+    std::string expected;
+    for (AcDbObjectId id : {firstFill, secondFill, first, second}) {
+        std::wstring handle = id.handle().text();
+        expected += std::string(handle.begin(), handle.end()) + "\n";
+    }
+    EXPECT_EQ(output, expected);
 }
 
 TEST_F(DxfDrawingTest, NewObjectsGetFreshHandlesAndTheSeedMovesOn) {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "host/db/HatchPatternFile.h"
 #include "host/kova/KovaDataSet.h"
 #include "tests/support/LeakCheck.h"
 
@@ -160,6 +161,24 @@ TEST_F(DataSetTest, PlanningTypeCache) {
     EXPECT_EQ(CKovaDataSet::FGetNameDict_GHType(), L"FG,分区规划");
     CKovaDataSet::FSetNameDict_GHType(nullptr);
     EXPECT_EQ(CKovaDataSet::FGetNameDict_GHType(), L"");
+}
+
+}  // namespace
+
+namespace {
+
+// A data folder laid out as the shipped one (standards/ beside patterns/) brings its own
+// hatch patterns; a bare standards root leaves the patterns where they were found before.
+TEST_F(DataSetTest, AStandardsRootBesideAPatternsFolderGivesTheHatchPatterns) {
+    fs::path data = root_ / "data";
+    fs::create_directories(data / "standards");
+    fs::create_directories(data / "patterns");
+    std::string before = db::hatchPatternFolder();
+    CKovaDataSet::FSetGStandardDirPath(
+        CString::FromUtf8((data / "standards").string()).wstr().c_str());
+    EXPECT_EQ(db::hatchPatternFolder(), (data / "patterns").string());
+    CKovaDataSet::FSetGStandardDirPath(rootText().c_str());
+    EXPECT_EQ(db::hatchPatternFolder(), before);
 }
 
 }  // namespace

@@ -1,0 +1,12 @@
+#pragma once
+// Fills behind the linework: the host's DRAWORDER command over every hatch (and solid) of
+// the current space. Both rely on the caller's context (a command or a document lock).
+
+// Sends every hatch and 2D solid of the current space to the back, running "draworder"
+// with the selection, an empty answer, "B" and one more empty answer. Nothing happens
+// when the space has none.
+void FSolidHatchDown();
+
+// Sends every hatch of the current space to the front when top is exactly 1, to the back
+// for any other value: "draworder" with the selection, an empty answer and "F" or "B".
+void FSetHatchBottomOrTop(int top);

@@ -22,5 +22,7 @@ void addExportCommand(CLI::App& app, int& exitCode);
 void addImportCommand(CLI::App& app, int& exitCode);
 // "kplan render DRAWING -o OUT": the plan as a picture.
 void addRenderCommand(CLI::App& app, int& exitCode);
+// "kplan symbolize DRAWING -o OUT": every parcel on its class's layers, filled.
+void addSymbolizeCommand(CLI::App& app, int& exitCode);
 
 }  // namespace kplan::cli

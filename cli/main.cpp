@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
     kplan::cli::addExportCommand(app, exitCode);
     kplan::cli::addImportCommand(app, exitCode);
     kplan::cli::addRenderCommand(app, exitCode);
+    kplan::cli::addSymbolizeCommand(app, exitCode);
     kplan::cli::TerminalProgress::installOnStderr();
     // The domain code's command-line messages are for a CAD user watching; here nobody is.
     db::commandLine().keepTranscript(false);

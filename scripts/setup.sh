@@ -7,7 +7,7 @@ packages=(
     g++ cmake ninja-build pkg-config
     libgtest-dev libgmock-dev libbenchmark-dev
     libcli11-dev libpolyclipping-dev
-    libgeos-dev python3 python3-ezdxf
+    libgeos-dev python3 python3-ezdxf python3-matplotlib
     clang libclang-rt-14-dev clang-format
     libdxflib-dev
     libgdal-dev gdal-bin python3-gdal

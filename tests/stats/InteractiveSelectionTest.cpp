@@ -249,6 +249,12 @@ TEST_F(InteractiveSelectionTest, WithoutScopeLinesParcelsClosedLinesOrADrawnLine
          {},
          ids({a, far}),
          7.5},
+        {"S with ALL",
+         {L"Y", L"S", L"ALL", L"", L""},
+         {kNoScope, kMode, kParcels, kParcels, kTotal},
+         {},
+         ids({a, b, far}),
+         7.5},
         {"S with a total typed",
          {L"Y", L"S", L"handles:" + handleOf(b), L"12.5"},
          {kNoScope, kMode, kParcels, kTotal},
@@ -304,6 +310,37 @@ TEST_F(InteractiveSelectionTest, WithoutScopeLinesParcelsClosedLinesOrADrawnLine
         }
         expectDrawingAsBefore(before);
     }
+}
+
+TEST_F(InteractiveSelectionTest, EnclosedMeansInsideOrOnTheEdgeWithinTheOffset) {
+    AcDbObjectId scope = rect(0, 0, 100, 100);
+    AcDbObjectId inside = parcel(10, 10, 20, 20), sharing = parcel(0, 0, 100, 50);
+    AcDbObjectId nearOut = parcel(50, 50, 100.4, 90);  // 0.4 past the edge
+    AcDbObjectId farOut = parcel(50, 10, 101, 20);     // 1 past the edge
+    AcDbObjectId outside = parcel(200, 0, 300, 100);
+    AcDbObjectId notParcel = rect(30, 30, 40, 40);
+    AcDbObjectId arc = poly({{60, 60}, {80, 60}}, {1.0, 1.0});  // a disc of radius 10
+    planned(arc);
+    (void)notParcel;
+    resbuf* filter = acutBuildList(RTDXF0, L"*POLYLINE", -3, 1001, dk::LIST_GHXZDK, 0);
+    struct Case {
+        const char* what;
+        int crossing;
+        double offset;
+        AcDbObjectIdArray expected;
+    } cases[] = {
+        {"enclosed, half a unit", 0, -0.5, ids({inside, sharing, nearOut, arc})},
+        {"enclosed, exact", 0, 0, ids({inside, sharing, arc})},
+        {"crossing too", 1, -0.5, ids({inside, sharing, nearOut, farOut, arc})},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(FSSGetByEntBoundaryZoomIds(scope, filter, c.crossing, c.offset, 0), c.expected)
+            << c.what;
+    EXPECT_TRUE(FSSGetByEntBoundaryZoomIds(addEntity(new AcDbLine({0, 0, 0}, {1, 1, 0})), filter, 0,
+                                           -0.5, 1)
+                    .isEmpty());
+    acutRelRb(filter);
+    (void)outside;
 }
 
 TEST_F(InteractiveSelectionTest, HighlightIsAPlainLinkedCopyThatGoesWithItsLine) {

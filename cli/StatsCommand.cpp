@@ -61,6 +61,7 @@ struct StatsArgs {
     std::string map;  // a picture of the plan with the table beside it, written too
     StandardOptions standard;
     bool interactive = false;  // the scope asked on the command line
+    std::string preview;       // a copy of the drawing with the crossing parcels hatched
 };
 
 using report::Section;
@@ -216,6 +217,10 @@ int runStats(StatsArgs args) {
                              "standard output\n");
         return 2;
     }
+    if (!args.preview.empty() && !args.interactive) {
+        std::cerr << "kplan: --preview goes with --interactive\n";
+        return 2;
+    }
     if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
                                    format, drawing, path))
         return failed;
@@ -239,6 +244,10 @@ int runStats(StatsArgs args) {
         if (scopes.length() == 1) {
             boundary = scopes[0];
             chosen.setLogicalLength(0);
+        } else if (!args.preview.empty()) {
+            std::cerr << "kplan: --preview shows one scope line; the scope chosen in " << path
+                      << (scopes.isEmpty() ? " has none\n" : " has several\n");
+            return 1;
         }
     } else if (!chooseBoundary(args.drawing, args.boundary, *drawing.database(), boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
@@ -274,6 +283,23 @@ int runStats(StatsArgs args) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
                       error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
+    }
+    if (!args.preview.empty()) {
+        // The parcels the scope line holds or crosses; the crossing ones get their part
+        // inside hatched, in a copy: the drawing read stays as it was.
+        AcDbObjectIdArray touched, crossing, hatches;
+        for (const AcDbObjectIdArray* list : {&parcels.current, &parcels.planned}) {
+            for (AcDbObjectId id : *list) {
+                int where = FIsDKAndBoundaryInter(boundary, id);
+                if (where >= 0) touched.append(id);
+                if (where == 1) crossing.append(id);
+            }
+        }
+        if (!touched.isEmpty()) FPreViewAllPlot(boundary, touched, crossing, hatches);
+        if (!dxf::save(*drawing.database(), args.preview, error)) {
             std::cerr << "kplan: " << error << "\n";
             return 1;
         }
@@ -381,6 +407,9 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--interactive", args->interactive,
                       "Ask for the scope on the command line (scope lines, parcels, closed "
                       "lines or a line drawn now), answers one a line from standard input");
+    command->add_option("--preview", args->preview,
+                        "With --interactive and one scope line: a copy of the drawing with "
+                        "the parcels' parts inside the line hatched (.dxf)");
     command->callback([args, &exitCode] { exitCode = runStats(*args); });
 }
 

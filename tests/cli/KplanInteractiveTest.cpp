@@ -23,6 +23,7 @@ namespace {
 
 struct Plan {
     std::string path, frame;  // frame: a plain closed line around parcel C
+    std::string across;       // a plain closed line holding A and 80 m of B
 };
 
 AcDbObjectId rectangle(double x0, double y0, double x1, double y1) {
@@ -54,6 +55,8 @@ const Plan& plan() {
         ACHAR text[17] = {};
         frame.handle().getIntoAsciiBuffer(text);
         p.frame = CString(text).ToUtf8();
+        rectangle(0, 0, 180, 100).handle().getIntoAsciiBuffer(text);
+        p.across = CString(text).ToUtf8();
         p.path = testFolder() + "/interactive.dxf";
         std::string error;
         EXPECT_TRUE(dxf::save(*document->database(), p.path, error)) << error;
@@ -105,8 +108,34 @@ TEST(KplanInteractiveTest, AnswersFromStandardInputChooseTheScope) {
         }
     }
 
+    // The preview: B's part inside the line hatched in a copy, the drawing unchanged.
+    std::string in = testFolder() + "/across", out = testFolder() + "/preview.dxf";
+    std::ofstream(in) << "Y\nF\n#" + plan().across + "\n";
+    std::string before = slurp(plan().path);
+    Outcome previewed =
+        kplan("stats '" + plan().path + "' --interactive --format json --preview '" + out + "' <'" +
+              in + "'");
+    ASSERT_EQ(previewed.exitCode, 0) << previewed.err;
+    Json json = Json::parse(previewed.out);
+    EXPECT_NEAR(json["totals"]["H"].number(), 1 + 0.8, 1e-9);
+    std::string copy = slurp(out);
+    std::size_t hatches = 0;
+    for (std::size_t at = copy.find("\nHATCH\n"); at != std::string::npos;
+         at = copy.find("\nHATCH\n", at + 1))
+        ++hatches;
+    EXPECT_EQ(hatches, 1u);
+    EXPECT_EQ(slurp(plan().path), before);
+    // Without one scope line there is nothing to preview.
+    std::ofstream(in) << kDrawD;
+    previewed =
+        kplan("stats '" + plan().path + "' --interactive --preview '" + out + "' <'" + in + "'");
+    EXPECT_EQ(previewed.exitCode, 1);
+    EXPECT_NE(previewed.err.find("kplan: --preview shows one scope line"), std::string::npos)
+        << previewed.err;
+    EXPECT_EQ(kplan("stats --preview '" + out + "'").exitCode, 2);
+
     // No: nothing chosen, one message, no table.
-    std::string in = testFolder() + "/no";
+    in = testFolder() + "/no";
     std::ofstream(in) << "N\n";
     Outcome run = kplan("stats '" + plan().path + "' --interactive <'" + in + "'");
     EXPECT_EQ(run.exitCode, 1);

@@ -2,6 +2,7 @@
 // and in a real terminal (tmux), on a drawing without scope lines whose figures are known
 // by construction.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
@@ -159,7 +160,9 @@ std::string shell(const std::string& command) {
 
 // Types the lines into a tmux pane running kplan and returns the pane when the program
 // has ended.
-std::string inTerminal(const std::string& session, const std::vector<std::string>& lines) {
+std::string inTerminal(const std::string& name, const std::vector<std::string>& lines) {
+    // Builds testing side by side each get their own session.
+    const std::string session = name + "-" + std::to_string(::getpid());
     std::string done = testFolder() + "/" + session + ".done";
     std::remove(done.c_str());
     shell("tmux new-session -d -s " + session + " -x 200 -y 100 \"'" + std::string(KPLAN_EXE) +

@@ -1,5 +1,7 @@
 #include "cli/InteractiveInput.h"
 
+#include <unistd.h>
+
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -39,13 +41,20 @@ db::Answer LineInput::next(const db::InputRequest& request) {
             return db::Answer::select(handles);
         }
     }
-    return db::parseAnswer(text);
+    db::Answer answer = db::parseAnswer(text);
+    if (answer.kind == db::Answer::Kind::Text) typed_ = answer.text;
+    return answer;
 }
 
 InteractiveSession::InteractiveSession() {
-    db::commandLine().setInput(std::make_shared<LineInput>(std::cin));
-    db::commandLine().setEchoCallback(
-        [](std::wstring_view text) { std::cerr << db::wideToUtf8(text) << std::flush; });
+    auto input = std::make_shared<LineInput>(std::cin);
+    db::commandLine().setInput(input);
+    bool terminal = ::isatty(STDIN_FILENO) != 0;
+    db::commandLine().setEchoCallback([input, terminal](std::wstring_view text) {
+        std::wstring typed = input->takeTyped();
+        if (terminal && !typed.empty() && text == typed) return;
+        std::cerr << db::wideToUtf8(text) << std::flush;
+    });
 }
 
 InteractiveSession::~InteractiveSession() {

@@ -3,6 +3,8 @@
 // terminal or a script on standard input), and the prompts shown on standard error.
 #include <istream>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "host/db/CommandLine.h"
 
@@ -16,9 +18,13 @@ class LineInput : public db::InputSource {
   public:
     explicit LineInput(std::istream& in) : in_(in) {}
     db::Answer next(const db::InputRequest& request) override;
+    // The text of the last answer read, which the command line echoes next; a terminal
+    // has shown it already as it was typed.
+    std::wstring takeTyped() { return std::exchange(typed_, std::wstring()); }
 
   private:
     std::istream& in_;
+    std::wstring typed_;
 };
 
 // Makes standard input the command line's source and standard error its echo (standard

@@ -14,6 +14,7 @@
 #include "cli/Commands.h"
 #include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
+#include "cli/InteractiveInput.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbents.h"
@@ -38,6 +39,7 @@
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
 #include "stats/GpcAdaptor.h"
+#include "stats/InteractiveSelection.h"
 
 namespace kplan::cli {
 
@@ -58,6 +60,8 @@ struct StatsArgs {
     std::string by;   // "unit" or "block": tables per planning unit or block as well
     std::string map;  // a picture of the plan with the table beside it, written too
     StandardOptions standard;
+    bool interactive = false;  // the scope asked on the command line
+    std::string preview;       // a copy of the drawing with the crossing parcels hatched
 };
 
 using report::Section;
@@ -213,11 +217,39 @@ int runStats(StatsArgs args) {
                              "standard output\n");
         return 2;
     }
+    if (!args.preview.empty() && !args.interactive) {
+        std::cerr << "kplan: --preview goes with --interactive\n";
+        return 2;
+    }
     if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
                                    format, drawing, path))
         return failed;
     AcDbObjectId boundary;
-    if (!chooseBoundary(args.drawing, args.boundary, *drawing.database(), boundary, error)) {
+    AcDbObjectIdArray chosen;  // the parcels the dialogue chose, when it did without one line
+    if (args.interactive) {
+        AcDbObjectIdArray scopes;
+        double total = 0;
+        int chose = 0;
+        {
+            InteractiveSession session;
+            chose = KovaSelectPlot(scopes, total, chosen);
+        }
+        std::cerr << "\n";
+        if (!chose) {
+            std::cerr << "kplan: no statistics scope chosen in " << path << "\n";
+            return 1;
+        }
+        // One scope line is measured as --boundary measures it (crossing parcels clipped);
+        // otherwise the table counts the parcels the dialogue found.
+        if (scopes.length() == 1) {
+            boundary = scopes[0];
+            chosen.setLogicalLength(0);
+        } else if (!args.preview.empty()) {
+            std::cerr << "kplan: --preview shows one scope line; the scope chosen in " << path
+                      << (scopes.isEmpty() ? " has none\n" : " has several\n");
+            return 1;
+        }
+    } else if (!chooseBoundary(args.drawing, args.boundary, *drawing.database(), boundary, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
@@ -230,6 +262,14 @@ int runStats(StatsArgs args) {
     // The balance tables measure the same parcels again: one session clips each once.
     stats::ClipSession session;
     report::ParcelLists parcels = report::findParcels(args.status);
+    if (!chosen.isEmpty()) {
+        for (AcDbObjectIdArray* list : {&parcels.current, &parcels.planned}) {
+            AcDbObjectIdArray kept;
+            for (AcDbObjectId id : *list)
+                if (chosen.contains(id)) kept.append(id);
+            *list = kept;
+        }
+    }
     Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
     report::Report tables;
     std::vector<Section> sections;
@@ -243,6 +283,23 @@ int runStats(StatsArgs args) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
                       error)) {
+            std::cerr << "kplan: " << error << "\n";
+            return 1;
+        }
+    }
+    if (!args.preview.empty()) {
+        // The parcels the scope line holds or crosses; the crossing ones get their part
+        // inside hatched, in a copy: the drawing read stays as it was.
+        AcDbObjectIdArray touched, crossing, hatches;
+        for (const AcDbObjectIdArray* list : {&parcels.current, &parcels.planned}) {
+            for (AcDbObjectId id : *list) {
+                int where = FIsDKAndBoundaryInter(boundary, id);
+                if (where >= 0) touched.append(id);
+                if (where == 1) crossing.append(id);
+            }
+        }
+        if (!touched.isEmpty()) FPreViewAllPlot(boundary, touched, crossing, hatches);
+        if (!dxf::save(*drawing.database(), args.preview, error)) {
             std::cerr << "kplan: " << error << "\n";
             return 1;
         }
@@ -347,6 +404,12 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->check(CLI::IsMember({"unit", "block"}));
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);
+    command->add_flag("--interactive", args->interactive,
+                      "Ask for the scope on the command line (scope lines, parcels, closed "
+                      "lines or a line drawn now), answers one a line from standard input");
+    command->add_option("--preview", args->preview,
+                        "With --interactive and one scope line: a copy of the drawing with "
+                        "the parcels' parts inside the line hatched (.dxf)");
     command->callback([args, &exitCode] { exitCode = runStats(*args); });
 }
 

@@ -1,5 +1,6 @@
 #include "draw/Highlight.h"
 
+#include "host/arx/dbpl.h"
 #include "host/kova/KovaDat.h"
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaError.h"
@@ -48,4 +49,34 @@ int KovaDelBlueLine(const AcDbObjectIdArray& ids) {
     for (AcDbObjectId id : ids)
         erased += KovaDelBlueLine(id);
     return erased;
+}
+
+AcDbObjectId FColorPolylineViewGL(AcDbObjectId id, int color, int lineType, double width) {
+    (void)lineType;
+    return kova::Guarded(L"FColorPolylineViewGL", AcDbObjectId(), [&] {
+        AcGePoint3dArray points;
+        AcGeDoubleArray bulges;
+        if (!kova::ent::FIsValidId(id) || !kova::ent::GetCurveParam(id, points, bulges) ||
+            points.length() < 2)
+            return AcDbObjectId();
+        auto* line = new AcDbPolyline();
+        for (int i = 0; i < points.length(); ++i) {
+            double bulge = i < bulges.length() ? bulges[i] : 0.0;
+            line->addVertexAt(static_cast<unsigned int>(i), AcGePoint2d(points[i].x, points[i].y),
+                              bulge);
+        }
+        line->setElevation(points[0].z);
+        line->setClosed(true);
+        line->setConstantWidth(width);
+        line->setColorIndex(static_cast<Adesk::UInt16>(color));
+        AcDbEntity* entity = line;
+        AcDbObjectId copy = kova::ent::SafeAddToDb(entity, id.database());
+        if (copy.isNull()) return copy;
+        kova::dat::PasteSoftId(id, kColorLineLink, copy);
+        return copy;
+    });
+}
+
+int FUnColorPolylineViewGL(AcDbObjectId id) {
+    return KovaDelBlueLine(id);
 }

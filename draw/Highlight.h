@@ -17,3 +17,12 @@ int kova_ent_UnHighLightIds(const AcDbObjectIdArray& ids);
 int KovaDelBlueLine(AcDbObjectId id);
 // The same for every listed polyline; the total erased.
 int KovaDelBlueLine(const AcDbObjectIdArray& ids);
+
+// Draws a temporary highlight of a polyline: a plain lightweight copy of its outline (no
+// xdata, so no selection takes it for a parcel or a scope line) in colour index color,
+// with constant width width, in the polyline's space, linked from the polyline under
+// "COLORLINE_LINK". lineType is not used by the portable host. The copy's id, or null
+// for an id that is not a readable curve. Erasing the copy ends the highlight.
+AcDbObjectId FColorPolylineViewGL(AcDbObjectId id, int color, int lineType, double width);
+// Ends every highlight the polyline has (as KovaDelBlueLine); the number of lines erased.
+int FUnColorPolylineViewGL(AcDbObjectId id);

@@ -13,6 +13,7 @@ packages=(
     libgdal-dev gdal-bin python3-gdal
     nlohmann-json3-dev libxlsxwriter-dev python3-openpyxl
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
+    tmux
 )
 
 missing=()

@@ -280,6 +280,11 @@ int openForReport(const std::string& drawingArgument, const std::string& formatA
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
+    // A name in the system's other encoding (GBK, from a Chinese Windows share) is shown
+    // as the characters it stands for; reports are UTF-8.
+    std::wstring decoded;
+    if (!db::isValidUtf8(path) && db::decodeCodePage(path, "GBK", decoded))
+        path = db::wideToUtf8(decoded);
     return 0;
 }
 

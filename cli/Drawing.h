@@ -66,7 +66,7 @@ AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjec
 // What a command reporting on a drawing does first: reads the output format, applies the
 // standards options, and loads the drawing named (the sample plan when none is) as the
 // current document. 0 when all is ready; otherwise the exit code, with the message
-// printed.
+// printed. path is the drawing's name for reports, in UTF-8 (a GBK name decoded).
 int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
                   const StandardOptions& options, Format& format, LoadedDrawing& drawing,
                   std::string& path);

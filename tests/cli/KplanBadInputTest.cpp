@@ -188,6 +188,8 @@ TEST(KplanBadInputTest, GbkFileNameGivesValidJson) {
         ASSERT_EQ(run.exitCode, 0) << run.err;
         EXPECT_TRUE(nlohmann::json::accept(run.out)) << run.out.substr(0, 200);
     }
+    Outcome stats = kplan("stats --format json '" + gbkName + "'");
+    EXPECT_EQ(nlohmann::json::parse(stats.out)["drawing"], testFolder() + "/规划.dxf");
 }
 
 TEST(KplanBadInputTest, DwgIsToldApart) {

@@ -41,7 +41,8 @@ void addConvertCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("convert", "Load a drawing and save it again");
     auto args = std::make_shared<ConvertArgs>();
     command->add_option("IN", args->in, "DXF file to read (-: standard input)")->required();
-    command->add_option("OUT", args->out, "DXF file to write (-: standard output)")->required();
+    command->add_option("OUT,-o,--output", args->out, "DXF file to write (-: standard output)")
+        ->required();
     command->add_option("--dxf-version", args->version,
                         "AC1015 to AC1032 (default: AC1024, or the input's when newer)");
     addReadOptions(*command, args->recover, args->codePage);

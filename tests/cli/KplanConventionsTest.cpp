@@ -91,6 +91,10 @@ TEST(KplanConventionsTest, DashIsStandardInputAndOutput) {
     std::string saved = testFolder() + "/dash.dxf";
     ASSERT_EQ(kplan("convert '" + sample + "' '" + saved + "'").exitCode, 0);
     EXPECT_EQ(toStdout.out, slurp(saved));
+    // -o names the output of convert as of every other command that writes.
+    std::string named = testFolder() + "/dash-o.dxf";
+    ASSERT_EQ(kplan("convert '" + sample + "' -o '" + named + "'").exitCode, 0);
+    EXPECT_EQ(slurp(named), slurp(saved));
     Outcome broken = kplan("info - < /dev/null");
     EXPECT_EQ(broken.exitCode, 1);
     EXPECT_EQ(broken.err.rfind("kplan: <stdin>", 0), 0u) << broken.err;

@@ -5,6 +5,10 @@
 
 namespace kplan::cli {
 
+// The exit codes of every command.
+inline constexpr int kExitInput = 1;  // the input is unreadable or wrong
+inline constexpr int kExitUsage = 2;  // the command line is wrong
+
 // "kplan info DRAWING": version, code page, entities by type, xdata records by
 // application, layers.
 void addInfoCommand(CLI::App& app, int& exitCode);

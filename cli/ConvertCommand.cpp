@@ -12,11 +12,12 @@ namespace {
 
 struct ConvertArgs {
     std::string in, out, version, codePage;
-    bool recover = false;
+    bool recover = false, force = false;
 };
 
 int runConvert(const ConvertArgs& args) {
     const std::string &in = args.in, &out = args.out, &version = args.version;
+    if (int refused = checkDxfOutput(out, args.force)) return refused;
     std::string error;
     std::unique_ptr<AcDbDatabase> database = loadDrawing(in, args.recover, args.codePage, error);
     if (!database) {
@@ -25,7 +26,9 @@ int runConvert(const ConvertArgs& args) {
     }
     dxf::SaveOptions options;
     options.version = version;
-    if (!dxf::save(*database, out, error, options)) {
+    bool saved = out == "-" ? dxf::write(*database, std::cout, error, options) && std::cout.flush()
+                            : dxf::save(*database, out, error, options);
+    if (!saved) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
@@ -37,11 +40,13 @@ int runConvert(const ConvertArgs& args) {
 void addConvertCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("convert", "Load a drawing and save it again");
     auto args = std::make_shared<ConvertArgs>();
-    command->add_option("IN", args->in, "DXF file to read")->required();
-    command->add_option("OUT", args->out, "DXF file to write")->required();
+    command->add_option("IN", args->in, "DXF file to read (-: standard input)")->required();
+    command->add_option("OUT,-o,--output", args->out, "DXF file to write (-: standard output)")
+        ->required();
     command->add_option("--dxf-version", args->version,
                         "AC1015 to AC1032 (default: AC1024, or the input's when newer)");
     addReadOptions(*command, args->recover, args->codePage);
+    addForceOption(*command, args->force);
     command->callback([args, &exitCode] { exitCode = runConvert(*args); });
 }
 

@@ -1,6 +1,10 @@
 #include "cli/Drawing.h"
 
+#include "cli/ClassTableCheck.h"
+
+#include <cctype>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <system_error>
 #include <unordered_set>
@@ -8,11 +12,13 @@
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/TextCodec.h"
 #include "host/dxf/Dxf.h"
 #include "host/kova/KovaDB.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/mfc/CString.h"
 #include "record/DKBJXDInfo.h"
+#include "record/DKKeys.h"
 #include "record/XDataAccess.h"
 #include "report/DrawingAreas.h"
 
@@ -31,15 +37,37 @@ bool exists(const fs::path& path, bool directory) {
     return directory ? fs::is_directory(path, ec) : fs::is_regular_file(path, ec);
 }
 
-// "NAME=Y" into its two halves; the name may itself hold "=", the value may not.
-bool splitParam(const std::string& param, std::string& name, std::string& value) {
+// The project parameters a run may set: those the library reads.
+const std::wstring_view kProjectParams[] = {dk::PARAM_CALC_AREA, dk::PARAM_CUT_BOUNDARY};
+
+// "NAME=Y" into the parameter's full name and its value; NAME is the full name or the
+// part before its bracket.
+bool splitParam(const std::string& param, std::string& name, std::string& value,
+                std::string& error) {
     std::size_t at = param.rfind('=');
-    if (at == std::string::npos || at == 0) return false;
-    name = param.substr(0, at);
-    value = param.substr(at + 1);
+    std::string given = at == std::string::npos ? param : param.substr(0, at);
+    value = at == std::string::npos ? std::string() : param.substr(at + 1);
     if (value == "y") value = "Y";
     if (value == "n") value = "N";
-    return value == "Y" || value == "N";
+    name.clear();
+    std::string known;
+    for (std::wstring_view full : kProjectParams) {
+        std::string utf8 = db::wideToUtf8(full);
+        if (given == utf8 || given == utf8.substr(0, utf8.find('['))) name = utf8;
+        known += (known.empty() ? " " : "; ") + utf8;
+    }
+    if (name.empty()) {
+        error = "--param " + param +
+                ": unknown project parameter; known are (by full name or "
+                "the name before its bracket):" +
+                known;
+        return false;
+    }
+    if (value != "Y" && value != "N") {
+        error = "--param " + param + ": expected NAME=Y or NAME=N";
+        return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -51,8 +79,19 @@ void addStandardOptions(CLI::App& command, StandardOptions& options, const char*
                        "Standard, a folder of the standards directory (default: 通用国标)");
     command.add_option(tableOption, options.table,
                        "Land-use class table of the standard (default: 2011国标城乡用地类别.txt)");
-    command.add_option("--param", options.params,
-                       "Project parameter for this run, NAME=Y or NAME=N (repeatable)");
+    command
+        .add_option("--param", options.params,
+                    "Project parameter for this run, NAME=Y or NAME=N (repeatable, one value "
+                    "each)")
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(
+            [](std::string& param) {
+                std::string name, value, error;
+                // The parser names the option itself.
+                return splitParam(param, name, value, error) ? std::string()
+                                                             : error.substr(error.find(' ') + 1);
+            },
+            ""));
 }
 
 void addReadOptions(CLI::App& command, bool& recover, std::string& codePage) {
@@ -68,10 +107,25 @@ void addReadOptions(CLI::App& command, bool& recover, std::string& codePage) {
 
 std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
                                           const std::string& codePage, std::string& error) {
+    // A DWG file starts with its version ("AC1032"); a DXF file with a group code or the
+    // binary DXF sentinel.
+    char head[6] = {};
+    if (std::ifstream probe(path, std::ios::binary);
+        probe.read(head, sizeof head) && std::string_view(head, 4) == "AC10" &&
+        std::isdigit(static_cast<unsigned char>(head[4]))) {
+        error = path + ": DWG is not read; save it as DXF";
+        return nullptr;
+    }
     dxf::ReadOptions options;
     options.recover = recover;
     options.codePage = codePage;
-    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error, options);
+    std::unique_ptr<AcDbDatabase> database;
+    if (path == "-") {
+        database = std::make_unique<AcDbDatabase>(false);
+        if (!dxf::read(std::cin, *database, error, "<stdin>", options)) database.reset();
+    } else {
+        database = dxf::load(path, error, options);
+    }
     if (database) {
         for (const std::string& warning : dxf::readReport(*database).warnings)
             std::cerr << "kplan: warning: " << warning << "\n";
@@ -79,9 +133,35 @@ std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
     return database;
 }
 
+void addForceOption(CLI::App& command, bool& force) {
+    command.add_flag("--force", force, "Write the drawing even to a name without .dxf");
+}
+
+int checkDxfOutput(const std::string& path, bool force) {
+    std::string extension = fs::path(path).extension().string();
+    for (char& c : extension)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (force || extension == ".dxf" || path == "-") return 0;
+    std::cerr << "kplan: " << path
+              << ": the output is written as DXF; name it .dxf (or --force to write it anyway)\n";
+    return 2;
+}
+
 bool applyStandard(const StandardOptions& options, std::string& error) {
-    CKovaDataSet::FSetGStandardDirPath(wide(options.data));
-    CKovaDataSet::FSetStandardName(wide(options.standard));
+    // A standard given as a path (it holds a "/") is that folder, whatever --data says.
+    std::string data = options.data, standardName = options.standard;
+    if (standardName.find('/') != std::string::npos) {
+        fs::path folder = fs::path(standardName).lexically_normal();
+        if (!folder.has_filename()) folder = folder.parent_path();
+        if (!exists(folder, true)) {
+            error = "--standard " + options.standard + ": no such folder";
+            return false;
+        }
+        data = fs::absolute(folder).parent_path().string();
+        standardName = folder.filename().string();
+    }
+    CKovaDataSet::FSetGStandardDirPath(wide(data));
+    CKovaDataSet::FSetStandardName(wide(standardName));
     CKovaDataSet::FSetCurYDLB(wide(options.table));
     fs::path root(CKovaDataSet::FGetGStandardDirPath().ToUtf8());
     std::string standard = CKovaDataSet::FGetStandardName().ToUtf8();
@@ -100,12 +180,10 @@ bool applyStandard(const StandardOptions& options, std::string& error) {
                 (root / standard / "用地分类").string();
         return false;
     }
+    if (!checkClassTable(table.ToUtf8(), error)) return false;
     for (const std::string& param : options.params) {
         std::string name, value;
-        if (!splitParam(param, name, value)) {
-            error = "--param " + param + ": expected NAME=Y or NAME=N";
-            return false;
-        }
+        if (!splitParam(param, name, value, error)) return false;
     }
     return true;
 }
@@ -153,9 +231,9 @@ bool LoadedDrawing::open(const std::string& path, const StandardOptions& options
     KovaDB::CCustomDatabase project(document_->database());
     for (const std::string& param : options.params) {
         std::string name, value;
-        if (!splitParam(param, name, value) ||
-            !project.SetOtherCustomParam(wide(name), wide(value))) {
-            error = "--param " + param + ": expected NAME=Y or NAME=N";
+        if (!splitParam(param, name, value, error)) return false;
+        if (!project.SetOtherCustomParam(wide(name), wide(value))) {
+            error = "--param " + param + ": the drawing took no project parameter";
             return false;
         }
     }
@@ -202,6 +280,11 @@ int openForReport(const std::string& drawingArgument, const std::string& formatA
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
+    // A name in the system's other encoding (GBK, from a Chinese Windows share) is shown
+    // as the characters it stands for; reports are UTF-8.
+    std::wstring decoded;
+    if (!db::isValidUtf8(path) && db::decodeCodePage(path, "GBK", decoded))
+        path = db::wideToUtf8(decoded);
     return 0;
 }
 

@@ -25,10 +25,16 @@ void addStandardOptions(CLI::App& command, StandardOptions& options,
                         const char* tableOption = "--table");
 // --recover and --codepage, the options of reading a DXF file.
 void addReadOptions(CLI::App& command, bool& recover, std::string& codePage);
-// Loads a drawing as those options say; with --recover, each repair is printed on stderr
-// as a warning.
+// Loads a drawing as those options say ("-" reads standard input); with --recover, each repair is
+// printed on stderr as a warning.
 std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
                                           const std::string& codePage, std::string& error);
+
+// A command that writes a drawing refuses a name whose extension is not .dxf (a DXF text
+// in "plan.dwg" or "plan.pdf" is a trap for whoever opens it) unless --force says so.
+void addForceOption(CLI::App& command, bool& force);
+// 0 when the output may be written; otherwise 2, with the message printed.
+int checkDxfOutput(const std::string& path, bool force);
 
 // Applies --data, --standard and --table; false with a message when the standard or its
 // class table does not exist.
@@ -60,7 +66,7 @@ AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjec
 // What a command reporting on a drawing does first: reads the output format, applies the
 // standards options, and loads the drawing named (the sample plan when none is) as the
 // current document. 0 when all is ready; otherwise the exit code, with the message
-// printed.
+// printed. path is the drawing's name for reports, in UTF-8 (a GBK name decoded).
 int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
                   const StandardOptions& options, Format& format, LoadedDrawing& drawing,
                   std::string& path);

@@ -75,7 +75,8 @@ void addExportCommand(CLI::App& app, int& exitCode) {
         app.add_subcommand("export", "Records as GIS layers: GeoPackage, GeoJSON, shapefile");
     auto args = std::make_shared<ExportArgs>();
     command->add_option("DRAWING", args->drawing, "DXF file to read")->required();
-    command->add_option("OUT", args->out, "OUT.gpkg, .geojson, .shp or .fgb")->required();
+    command->add_option("OUT,-o,--output", args->out, "OUT.gpkg, .geojson, .shp or .fgb")
+        ->required();
     command->add_option("--crs", args->crs,
                         "Coordinate system of the drawing, e.g. EPSG:4547 (CGCS2000 3-degree "
                         "Gauss-Kruger CM 114E)");

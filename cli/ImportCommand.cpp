@@ -17,9 +17,11 @@ struct ImportArgs {
     std::string source, into, out, layer, kind = "planned";
     std::vector<std::string> map;
     StandardOptions standard;
+    bool force = false;
 };
 
 int runImport(const ImportArgs& args) {
+    if (int refused = checkDxfOutput(args.out, args.force)) return refused;
     gis::ImportOptions options;
     options.layer = args.layer;
     options.current = args.kind == "current";
@@ -84,6 +86,7 @@ void addImportCommand(CLI::App& app, int& exitCode) {
         ->check(CLI::IsMember({"planned", "current"}))
         ->capture_default_str();
     addStandardOptions(*command, args->standard);
+    addForceOption(*command, args->force);
     command->callback([args, &exitCode] { exitCode = runImport(*args); });
 }
 

@@ -22,6 +22,7 @@ namespace {
 
 struct LabelArgs {
     std::string drawing, out, layer = "labels";
+    bool force = false;
 };
 
 std::wstring wide(const std::string& text) {
@@ -89,6 +90,7 @@ bool addText(AcDbBlockTableRecord& space, AcDbObjectId layer, const std::wstring
 }
 
 int runLabel(const LabelArgs& args) {
+    if (int refused = checkDxfOutput(args.out, args.force)) return refused;
     LoadedDrawing drawing;
     std::string error;
     if (!drawing.open(args.drawing, StandardOptions{}, error)) {
@@ -161,6 +163,7 @@ void addLabelCommand(CLI::App& app, int& exitCode) {
     command->add_option("DRAWING", args->drawing, "DXF file to read")->required();
     command->add_option("-o,--output", args->out, "DXF file to write")->required();
     command->add_option("--layer", args->layer, "layer of the labels (default: labels)");
+    addForceOption(*command, args->force);
     command->callback([args, &exitCode] { exitCode = runLabel(*args); });
 }
 

@@ -23,6 +23,7 @@
 #include "record/JZBJInfo.h"
 #include "record/LabelList.h"
 #include "record/XDataAccess.h"
+#include "report/JsonWriter.h"
 #include "standard/KovaAttribSet.h"
 
 namespace kplan::cli {
@@ -128,20 +129,16 @@ void printCsv(const Listing& listing) {
 }
 
 void printJson(const Listing& listing) {
-    std::cout << "[";
-    for (std::size_t r = 0; r < listing.rows.size(); ++r) {
-        std::cout << (r ? ",\n " : "\n ") << "{";
+    nlohmann::json rows = nlohmann::json::array();
+    for (const auto& row : listing.rows) {
+        nlohmann::json object = nlohmann::json::object();
         for (std::size_t c = 0; c < listing.columns.size(); ++c) {
             const Column& column = listing.columns[c];
-            const std::string& value = listing.rows[r][c].value;
-            std::cout << (c ? ", " : "") << jsonString(column.key) << ": "
-                      << (!column.number  ? jsonString(value)
-                          : value.empty() ? "null"
-                                          : value);
+            object[column.key] = jsonValue(row[c].value, column.number);
         }
-        std::cout << "}";
+        rows.push_back(std::move(object));
     }
-    std::cout << (listing.rows.empty() ? "]\n" : "\n]\n");
+    std::cout << report::dumpJson(rows);
 }
 
 // ------------------------------------------------------------------ parcels
@@ -231,11 +228,11 @@ Listing listParcels(const ListArgs& args, AcDbDatabase& database) {
                           "height_limit", "population", "label_x", "label_y"};
     for (const char* key : keys) {
         std::string k = key;
-        // Indicators are right-aligned in the table but stay strings, as recorded.
-        bool number = k == "generation" || k == "area_ha" || k == "label_x" || k == "label_y";
-        bool right = number || k == "far" || k == "green_ratio" || k == "density" ||
-                     k == "height_limit" || k == "population";
-        listing.columns.push_back({k, k, right, number});
+        // Indicators are numbers in JSON when the record's text reads as one.
+        bool right = k == "generation" || k == "area_ha" || k == "label_x" || k == "label_y" ||
+                     k == "far" || k == "green_ratio" || k == "density" || k == "height_limit" ||
+                     k == "population";
+        listing.columns.push_back({k, k, right, right});
     }
     ClassNames names;
     for (const ParcelKind& kind : selectParcels(args, database)) {
@@ -263,7 +260,10 @@ void addFieldColumns(Listing& listing, const wchar_t* app, dk::LabelTable fallba
     listing.dropEmptyFields = true;
     for (INT_PTR i = 0; i < keys.GetSize(); ++i) {
         std::string title = text(aliases[i]);
-        listing.columns.push_back({keys[i].ToUtf8(), title.empty() ? keys[i].ToUtf8() : title});
+        std::string key = keys[i].ToUtf8();
+        // Real and integer fields (FD_, FDC_, FN_) are numbers in JSON when they read as one.
+        bool number = key.rfind("FD", 0) == 0 || key.rfind("FN_", 0) == 0;
+        listing.columns.push_back({key, title.empty() ? key : title, false, number});
     }
 }
 

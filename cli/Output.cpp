@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace kplan::cli {
 
@@ -18,44 +17,22 @@ bool parseFormat(const std::string& text, Format& format) {
     return true;
 }
 
-std::string jsonString(std::string_view utf8) {
-    std::string out = "\"";
-    for (char ch : utf8) {
-        auto byte = static_cast<unsigned char>(ch);
-        switch (ch) {
-            case '"':
-                out += "\\\"";
-                break;
-            case '\\':
-                out += "\\\\";
-                break;
-            case '\n':
-                out += "\\n";
-                break;
-            case '\r':
-                out += "\\r";
-                break;
-            case '\t':
-                out += "\\t";
-                break;
-            default:
-                if (byte < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof escaped, "\\u%04x", byte);
-                    out += escaped;
-                } else {
-                    out += ch;
-                }
-        }
-    }
-    return out + "\"";
-}
-
 std::string jsonNumber(double value) {
     if (!std::isfinite(value)) return "null";
     char buffer[32];
     auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
     return ec == std::errc() ? std::string(buffer, end) : "null";
+}
+
+nlohmann::json jsonValue(const std::string& value, bool number) {
+    if (value.empty() || (number && value == "null")) return nullptr;
+    if (number) {
+        double parsed = 0;
+        auto [end, ec] = std::from_chars(value.data(), value.data() + value.size(), parsed);
+        if (ec == std::errc() && end == value.data() + value.size() && std::isfinite(parsed))
+            return parsed;
+    }
+    return value;
 }
 
 }  // namespace kplan::cli

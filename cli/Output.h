@@ -1,9 +1,12 @@
 #pragma once
 // Writing results for people (aligned tables, Chinese text counted as two columns) and
-// for machines (CSV as RFC 4180 has it, JSON with numbers that read back exactly).
+// for machines (CSV as RFC 4180 has it, JSON through nlohmann-json with numbers that read
+// back exactly).
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "report/CsvWriter.h"
 #include "report/TextColumns.h"
@@ -24,8 +27,10 @@ using report::fixed;
 using report::csvField;
 using report::csvRow;
 
-std::string jsonString(std::string_view utf8);
 // The shortest text that reads back to the same double; null for NaN and infinities.
 std::string jsonNumber(double value);
+// A value of a JSON row: null when empty, a number when the column holds numbers and the
+// text reads as one, else the text (invalid UTF-8 replaced when written).
+nlohmann::json jsonValue(const std::string& value, bool number);
 
 }  // namespace kplan::cli

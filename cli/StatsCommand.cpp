@@ -221,6 +221,9 @@ int runStats(StatsArgs args) {
         std::cerr << "kplan: --preview goes with --interactive\n";
         return 2;
     }
+    if (!args.preview.empty()) {
+        if (int refused = checkDxfOutput(args.preview, false)) return refused;
+    }
     if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
                                    format, drawing, path))
         return failed;

@@ -30,7 +30,7 @@ namespace {
 
 struct SymbolizeArgs {
     std::string drawing, out;
-    bool status = false, noHatch = false, solid = false;
+    bool status = false, noHatch = false, solid = false, force = false;
     StandardOptions standard;
 };
 
@@ -283,6 +283,7 @@ void printSummary(const Summary& s, const SymbolizeArgs& args) {
 }
 
 int runSymbolize(const SymbolizeArgs& args) {
+    if (int refused = checkDxfOutput(args.out, args.force)) return refused;
     std::string error;
     if (!applyStandard(args.standard, error)) {
         std::cerr << "kplan: " << error << "\n";
@@ -361,6 +362,7 @@ void addSymbolizeCommand(CLI::App& app, int& exitCode) {
                       "The current-status parcels instead of the planned ones");
     command->add_flag("--no-hatch", args->noHatch, "Only the layers; no fills");
     command->add_flag("--solid", args->solid, "Solid fills in the class colour, no patterns");
+    addForceOption(*command, args->force);
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);
     command->callback([args, &exitCode] { exitCode = runSymbolize(*args); });

@@ -1,6 +1,8 @@
 #pragma once
 // The host's progress bar drawn on a terminal: one line, redrawn in place, at most a few
-// times a second, erased when the work ends.
+// times a second, erased when the work ends. The line fits the terminal's width, its label
+// is English as the rest of the program's messages, and it uses no colour (so NO_COLOR
+// holds); a terminal that cannot redraw a line (TERM=dumb) gets no bar.
 #include <chrono>
 #include <cstdio>
 #include <string>
@@ -16,11 +18,13 @@ class TerminalProgress : public db::ProgressSink {
     void step(long position) override;
     void end() override;
 
-    // Installs a bar on stderr when stderr is a terminal; otherwise progress stays silent.
+    // Installs a bar on stderr when stderr is a terminal that can redraw a line; otherwise
+    // progress stays silent.
     static void installOnStderr();
 
   private:
     void draw(bool force);
+    int columns() const;
 
     std::FILE* out_;
     std::string message_;

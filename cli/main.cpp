@@ -1,6 +1,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <string>
+#include <string_view>
 
 #include "cli/Commands.h"
 #include "cli/TerminalProgress.h"
@@ -15,9 +18,85 @@ extern "C" const char* __lsan_default_suppressions() {
 }
 #endif
 
+namespace {
+
+// The commands, for the messages of a wrong command line.
+std::string commandList(const CLI::App& app) {
+    std::string list;
+    for (const CLI::App* command : app.get_subcommands({}))
+        list += (list.empty() ? "" : ", ") + command->get_name();
+    return list;
+}
+
+// "kplan help COMMAND": the options of one command; "kplan help" those of the program.
+void addHelpCommand(CLI::App& app, int& exitCode) {
+    auto* command = app.add_subcommand("help", "Show the options of a command");
+    auto name = std::make_shared<std::string>();
+    command->add_option("COMMAND", *name, "Command to explain");
+    command->callback([&app, name, &exitCode] {
+        if (name->empty()) {
+            std::cout << app.help();
+            return;
+        }
+        for (const CLI::App* known : app.get_subcommands({})) {
+            if (known->get_name() == *name) {
+                std::cout << known->help(app.get_name());
+                return;
+            }
+        }
+        std::cerr << "kplan: unknown command \"" << *name << "\"; the commands are "
+                  << commandList(app) << "\n";
+        exitCode = kplan::cli::kExitUsage;
+    });
+}
+
+// An empty argument where a file belongs is an unset variable in a script, not the
+// default the omitted argument stands for.
+void refuseEmptyNames(CLI::App& app) {
+    const CLI::Validator notEmpty(
+        [](std::string& value) {
+            return value.empty() ? std::string("an empty name (an unset variable?)")
+                                 : std::string();
+        },
+        "");
+    for (CLI::App* command : app.get_subcommands({})) {
+        for (CLI::Option* option : command->get_options()) {
+            if (option->get_positional() || option->check_sname("o") ||
+                option->check_lname("output") || option->check_lname("out") ||
+                option->check_lname("into"))
+                option->check(notEmpty);
+        }
+    }
+}
+
+// What the parser refuses, said as every other message: on stderr, after "kplan:".
+int usageError(const CLI::App& app, const CLI::ParseError& e, int argc, char** argv) {
+    bool noCommand = app.get_subcommands().empty();
+    if (noCommand && argc > 1 && argv[1][0] != '-') {
+        std::cerr << "kplan: unknown command \"" << argv[1] << "\"; the commands are "
+                  << commandList(app) << "\n";
+    } else if (noCommand && argc <= 1) {
+        std::cerr << "kplan: no command; the commands are " << commandList(app)
+                  << " (kplan help COMMAND for its options)\n";
+    } else {
+        std::string what = e.what();
+        if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr)
+            what = "unknown command or option: " + what;
+        std::cerr << "kplan: " << what << "\n";
+        if (noCommand) std::cerr << "kplan: the commands are " << commandList(app) << "\n";
+    }
+    return kplan::cli::kExitUsage;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-    CLI::App app{"kplan: planning data in CAD drawings"};
+    CLI::App app{"kplan: planning data in CAD drawings", "kplan"};
     app.require_subcommand(1);
+    app.set_version_flag("--version", std::string("kplan ") + KPLAN_VERSION);
+    app.footer(
+        "Exit codes: 0 success, 1 the input is unreadable or wrong, 2 the command line "
+        "is wrong. kplan help COMMAND shows a command's options.");
     int exitCode = 0;
     kplan::cli::addInfoCommand(app, exitCode);
     kplan::cli::addConvertCommand(app, exitCode);
@@ -28,16 +107,31 @@ int main(int argc, char** argv) {
     kplan::cli::addImportCommand(app, exitCode);
     kplan::cli::addRenderCommand(app, exitCode);
     kplan::cli::addSymbolizeCommand(app, exitCode);
-    kplan::cli::TerminalProgress::installOnStderr();
+    addHelpCommand(app, exitCode);
+    refuseEmptyNames(app);
+    // Before or after the command's name; read before parsing, since loading starts then.
+    bool noProgress = false;
+    app.add_flag("--no-progress", noProgress, "Draw no progress bar");
+    for (CLI::App* command : app.get_subcommands({}))
+        command->fallthrough();
+    for (int i = 1; i < argc; ++i)
+        noProgress |= std::string_view(argv[i]) == "--no-progress";
+    if (!noProgress) kplan::cli::TerminalProgress::installOnStderr();
     // The domain code's command-line messages are for a CAD user watching; here nobody is.
     db::commandLine().keepTranscript(false);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
+    } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForVersion& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        return usageError(app, e, argc, argv);
     } catch (const std::exception& e) {
         std::cerr << "kplan: " << e.what() << "\n";
-        return 1;
+        return kplan::cli::kExitInput;
     }
 #if defined(__SANITIZE_ADDRESS__)
     // The leak checker at exit counts cairo's and fontconfig's caches unless they go first.

@@ -753,13 +753,18 @@ bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
     return false;
 }
 
-bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
+bool save(const AcDbDatabase& database, const std::string& named, std::string& error,
           const SaveOptions& options) {
     namespace fs = std::filesystem;
     std::string tmp;
     int fd = -1;
     try {
         error.clear();
+        // A symbolic link stays a link: the file it points to is the one replaced.
+        std::error_code linkError;
+        const std::string path = fs::is_symlink(named, linkError)
+                                     ? fs::weakly_canonical(fs::path(named)).string()
+                                     : named;
         fs::path target(path);
         fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
         struct stat info;
@@ -781,7 +786,13 @@ bool save(const AcDbDatabase& database, const std::string& path, std::string& er
             error = path + ": the file is read-only";
             return false;
         }
-        tmp = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
+        // The temporary name is the file's own with a dot before and six characters after,
+        // cut short to fit the folder's limit on a name.
+        std::string stem = "." + target.filename().string();
+        long nameMax = ::pathconf(folder.c_str(), _PC_NAME_MAX);
+        std::size_t limit = nameMax > 8 ? static_cast<std::size_t>(nameMax) : 255;
+        if (stem.size() + 7 > limit) stem.resize(limit - 7);
+        tmp = (folder / (stem + ".XXXXXX")).string();
         fd = ::mkstemp(tmp.data());
         if (fd < 0) {
             std::string reason =
@@ -853,7 +864,7 @@ bool save(const AcDbDatabase& database, const std::string& path, std::string& er
     } catch (const std::exception& e) {
         if (fd >= 0) ::close(fd);
         if (!tmp.empty()) ::unlink(tmp.c_str());
-        error = path + ": " + e.what();
+        error = named + ": " + e.what();
     }
     return false;
 }

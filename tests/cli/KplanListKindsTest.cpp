@@ -127,7 +127,7 @@ TEST(KplanListKindsTest, EachKindListsItsRecordsWithTheirFields) {
     ASSERT_EQ(units.size(), 1u);
     EXPECT_EQ(units[0]["handle"].string(), d.unit);
     EXPECT_EQ(units[0]["FS_DYBH"].string(), "U-1");
-    EXPECT_EQ(units[0]["FDC_ZJRK"].string(), "300");
+    EXPECT_EQ(units[0]["FDC_ZJRK"].number(), 300);
     EXPECT_DOUBLE_EQ(units[0]["area_ha"].number(), 2.0);
     EXPECT_EQ(units[0]["parcels"].number(), 2);
     EXPECT_EQ(units[0]["parcel_numbers"].string(), "A-01 B-01");
@@ -143,7 +143,7 @@ TEST(KplanListKindsTest, EachKindListsItsRecordsWithTheirFields) {
     Json buildings = listJson("building");
     ASSERT_EQ(buildings.size(), 1u);
     EXPECT_EQ(buildings[0]["FS_JZBH"].string(), "1#");
-    EXPECT_EQ(buildings[0]["FN_JZCS"].string(), "6");
+    EXPECT_EQ(buildings[0]["FN_JZCS"].number(), 6);
     EXPECT_DOUBLE_EQ(buildings[0]["area_ha"].number(), 0.02);
 
     Json hatches = listJson("hatch");

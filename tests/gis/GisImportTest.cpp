@@ -85,13 +85,13 @@ TEST(GisImportTest, PolygonsBecomeParcelsWithRecordsMatchedByKeyAliasLabelAndMap
     EXPECT_EQ((*first)["kind"].string(), "planned");
     EXPECT_EQ((*first)["generation"].number(), 3);
     EXPECT_EQ((*first)["class"].string(), "R21");
-    EXPECT_EQ((*first)["far"].string(), "2.5");
-    EXPECT_EQ((*first)["population"].string(), "420");
+    EXPECT_EQ((*first)["far"].number(), 2.5);
+    EXPECT_EQ((*first)["population"].number(), 420);
     // 100 m square less its 20 m hole, linked as an island: 0.96 ha.
     EXPECT_NEAR((*first)["area_ha"].number(), 0.96, 1e-9);
     EXPECT_EQ((*second)["class"].string(), "G1");
-    EXPECT_EQ((*second)["far"].string(), "0.1");
-    EXPECT_EQ((*second)["population"].string(), "");
+    EXPECT_EQ((*second)["far"].number(), 0.1);
+    EXPECT_TRUE((*second)["population"].isNull());
     EXPECT_NEAR((*second)["area_ha"].number(), 0.25, 1e-9);
 
     // The same layer as current-status parcels.

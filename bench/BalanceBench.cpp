@@ -5,6 +5,8 @@
 // The goal: the tables cost at most a tenth more.
 #include <benchmark/benchmark.h>
 
+#include <optional>
+
 #include "bench/StatsDrawing.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/gepnt3d.h"
@@ -13,6 +15,7 @@
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "report/Balance.h"
 #include "report/JsonWriter.h"
 #include "report/PlanReport.h"
@@ -81,16 +84,19 @@ double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all) {
     return sum + people;
 }
 
+// state.range(0): 1 reads each record once in a record session, as kplan stats does.
 void BM_TodaysStats(benchmark::State& state) {
     bench::StatsDrawing& d = drawing();
     for (auto _ : state) {
         stats::ClipSession session;
+        std::optional<dk::RecordSession> records;
+        if (state.range(0)) records.emplace();
         AcDbObjectIdArray all;
         CDKBJXDInfo::GetDkbj(all);
         benchmark::DoNotOptimize(todaysStats(d.boundary, all));
     }
 }
-BENCHMARK(BM_TodaysStats)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TodaysStats)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // The statistics of before and the tables of the plan alone, or with current status beside.
 void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
@@ -102,6 +108,8 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
     for (auto _ : state) {
         // As kplan stats runs: the parcels found once, the statistics of before, the tables.
         stats::ClipSession session;
+        std::optional<dk::RecordSession> records;
+        if (state.range(0)) records.emplace();
         kplan::report::ParcelLists parcels = kplan::report::findParcels(false);
         if (!withCurrentStatus) parcels.current.removeAll();
         benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned));
@@ -121,12 +129,12 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
 void BM_StatsWithPlannedTables(benchmark::State& state) {
     statsWithTables(state, false);
 }
-BENCHMARK(BM_StatsWithPlannedTables)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_StatsWithPlannedTables)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_StatsWithBalanceTables(benchmark::State& state) {
     statsWithTables(state, true);
 }
-BENCHMARK(BM_StatsWithBalanceTables)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_StatsWithBalanceTables)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 }  // namespace
 

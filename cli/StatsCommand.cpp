@@ -26,6 +26,7 @@
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "record/XDataAccess.h"
 #include "report/Balance.h"
 #include "report/ClassHierarchy.h"
@@ -227,8 +228,10 @@ int runStats(StatsArgs args) {
         return 2;
     }
     ClassNames names;
-    // The balance tables measure the same parcels again: one session clips each once.
+    // The balance tables measure the same parcels again: one session clips each once and
+    // reads each record once.
     stats::ClipSession session;
+    dk::RecordSession records;
     report::ParcelLists parcels = report::findParcels(args.status);
     Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
     report::Report tables;

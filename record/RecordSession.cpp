@@ -11,7 +11,8 @@ namespace dk {
 namespace {
 
 struct Entry {
-    std::wstring what;
+    wchar_t kind = 0;  // 0 for numbers
+    std::wstring name;
     int result = 0;
     bool touched = false;  // the text was set by the read
     CString text;
@@ -30,15 +31,17 @@ Session& session() {
     return s;
 }
 
-// The entry of the entity under the name, copied out; false when there is none.
-bool lookUp(AcDbObjectId id, const wchar_t* what, Entry& found) {
+// Runs use on the entry of the entity under the kind and name, inside the lock; false when
+// there is none.
+template <typename Use>
+bool lookUp(AcDbObjectId id, wchar_t kind, const wchar_t* name, Use use) {
     Session& s = session();
     std::lock_guard<std::mutex> lock(s.mutex);
     auto it = s.entries.find(id);
     if (it == s.entries.end()) return false;
     for (const Entry& e : it->second) {
-        if (e.what == what) {
-            found = e;
+        if (e.kind == kind && e.name == name) {
+            use(e);
             return true;
         }
     }
@@ -75,30 +78,44 @@ bool RecordSession::IsOpen() {
 
 int KeptText(AcDbObjectId id, wchar_t kind, const wchar_t* name, CString& value,
              const std::function<int(CString&)>& read) {
-    std::wstring what = kind + std::wstring(name);
-    Entry entry;
-    if (!lookUp(id, what.c_str(), entry)) {
-        CString text = kUntouched;
-        entry.what = what;
-        entry.result = read(text);
-        entry.touched = text != kUntouched;
-        entry.text = text;
-        keep(id, entry);
+    int result = 0;
+    if (lookUp(id, kind, name, [&](const Entry& e) {
+            result = e.result;
+            if (e.touched) value = e.text;
+        })) {
+        return result;
     }
-    if (entry.touched) value = entry.text;
-    return entry.result;
+    Entry entry;
+    entry.kind = kind;
+    entry.name = name;
+    CString text = kUntouched;
+    entry.result = read(text);
+    entry.touched = text != kUntouched;
+    if (entry.touched) {
+        entry.text = text;
+        value = text;
+    }
+    result = entry.result;
+    keep(id, std::move(entry));
+    return result;
 }
 
 int KeptNumber(AcDbObjectId id, const wchar_t* what, double& value,
                const std::function<int(double&)>& read) {
-    Entry entry;
-    if (!lookUp(id, what, entry)) {
-        entry.what = what;
-        entry.result = read(entry.number);
-        keep(id, entry);
+    int result = 0;
+    if (lookUp(id, 0, what, [&](const Entry& e) {
+            result = e.result;
+            value = e.number;
+        })) {
+        return result;
     }
+    Entry entry;
+    entry.name = what;
+    entry.result = read(entry.number);
     value = entry.number;
-    return entry.result;
+    result = entry.result;
+    keep(id, std::move(entry));
+    return result;
 }
 
 void ForgetRecords() {

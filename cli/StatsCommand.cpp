@@ -229,9 +229,9 @@ int runStats(StatsArgs args) {
     }
     ClassNames names;
     // The balance tables measure the same parcels again: one session clips each once and
-    // reads each record once.
+    // another reads each record once, until the tables are built.
     stats::ClipSession session;
-    dk::RecordSession records;
+    auto records = std::make_unique<dk::RecordSession>();
     report::ParcelLists parcels = report::findParcels(args.status);
     Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
     report::Report tables;
@@ -242,6 +242,7 @@ int runStats(StatsArgs args) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }
+    records.reset();
     if (!args.map.empty()) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},

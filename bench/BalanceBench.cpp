@@ -5,14 +5,21 @@
 // The goal: the tables cost at most a tenth more.
 #include <benchmark/benchmark.h>
 
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
 #include "bench/StatsDrawing.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/gepnt3d.h"
+#include "host/dxf/Dxf.h"
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "report/Balance.h"
 #include "report/JsonWriter.h"
 #include "report/PlanReport.h"
@@ -50,6 +57,40 @@ bench::StatsDrawing& drawing() {
     return d;
 }
 
+// The drawing to measure and its boundary.
+struct Scene {
+    AcApDocument* document = nullptr;
+    AcDbObjectId boundary;
+};
+
+// The same drawing saved as DXF and read back, made on first use: its xdata stays packed
+// as the reader keeps it, so that a record read decodes it as in kplan stats on a file.
+Scene loadedScene() {
+    static Scene scene = [] {
+        bench::StatsDrawing& d = drawing();
+        auto path = std::filesystem::temp_directory_path() / "kplan-balance-bench.dxf";
+        std::string error;
+        if (!dxf::save(*d.document->database(), path.string(), error))
+            throw std::runtime_error(error);
+        std::unique_ptr<AcDbDatabase> database = dxf::load(path.string(), error);
+        std::filesystem::remove(path);
+        if (!database) throw std::runtime_error(error);
+        Scene loaded;
+        database->getAcDbObjectId(loaded.boundary, false, d.boundary.handle());
+        loaded.document = acDocManager->appendDocument(std::move(database));
+        return loaded;
+    }();
+    return scene;
+}
+
+// state.range(1): 0 the drawing as made, 1 as read from DXF. It becomes current.
+Scene scene(const benchmark::State& state) {
+    bench::StatsDrawing& d = drawing();
+    Scene chosen = state.range(1) ? loadedScene() : Scene{d.document, d.boundary};
+    acDocManager->setCurDocument(chosen.document);
+    return chosen;
+}
+
 using BoundaryTotal = int (*)(AcDbObjectId, const AcDbObjectIdArray&, const AcDbObjectIdArray&,
                               double&);
 const BoundaryTotal kTotals[] = {FGetHArea,  FGetH1Area, FGetH11Area, FGetH2Area,
@@ -81,20 +122,27 @@ double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all) {
     return sum + people;
 }
 
+// state.range(0): 1 reads each record once in a record session, as kplan stats does.
 void BM_TodaysStats(benchmark::State& state) {
-    bench::StatsDrawing& d = drawing();
+    Scene d = scene(state);
     for (auto _ : state) {
         stats::ClipSession session;
+        std::optional<dk::RecordSession> records;
+        if (state.range(0)) records.emplace();
         AcDbObjectIdArray all;
         CDKBJXDInfo::GetDkbj(all);
         benchmark::DoNotOptimize(todaysStats(d.boundary, all));
     }
 }
-BENCHMARK(BM_TodaysStats)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_TodaysStats)
+    ->ArgsProduct({{0, 1}, {0, 1}})
+    ->ArgNames({"records", "dxf"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 // The statistics of before and the tables of the plan alone, or with current status beside.
 void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
-    bench::StatsDrawing& d = drawing();
+    Scene d = scene(state);
     CKovaDataSet::FSetGStandardDirPath(CString::FromUtf8(KPLAN_SOURCE_DIR "/data/standards"));
     CKovaDataSet::FSetStandardName(L"通用国标");
     CKovaDataSet::FSetCurYDLB(L"2011国标城乡用地类别.txt");
@@ -102,6 +150,8 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
     for (auto _ : state) {
         // As kplan stats runs: the parcels found once, the statistics of before, the tables.
         stats::ClipSession session;
+        std::optional<dk::RecordSession> records;
+        if (state.range(0)) records.emplace();
         kplan::report::ParcelLists parcels = kplan::report::findParcels(false);
         if (!withCurrentStatus) parcels.current.removeAll();
         benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned));
@@ -121,12 +171,20 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
 void BM_StatsWithPlannedTables(benchmark::State& state) {
     statsWithTables(state, false);
 }
-BENCHMARK(BM_StatsWithPlannedTables)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_StatsWithPlannedTables)
+    ->ArgsProduct({{0, 1}, {0, 1}})
+    ->ArgNames({"records", "dxf"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 void BM_StatsWithBalanceTables(benchmark::State& state) {
     statsWithTables(state, true);
 }
-BENCHMARK(BM_StatsWithBalanceTables)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_StatsWithBalanceTables)
+    ->ArgsProduct({{0, 1}, {0, 1}})
+    ->ArgNames({"records", "dxf"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 }  // namespace
 

@@ -16,6 +16,7 @@
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "record/XDataAccess.h"
 #include "report/TerminalWriter.h"
 #include "stats/BoundaryClip.h"
@@ -136,8 +137,10 @@ std::vector<ClassArea> named(const CStringArray& codes, const AcGeDoubleArray& a
 
 Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
                 const report::ParcelLists& parcels, const ClassNames& names) {
-    // Nothing here changes the drawing, so each parcel is clipped once for all the totals.
+    // Nothing here changes the drawing, so each parcel is clipped and its record read once
+    // for all the totals.
     stats::ClipSession session;
+    dk::RecordSession records;
     Balance b;
     b.boundary = boundary;
     AcDbObjectIdArray all = status ? parcels.current : parcels.planned, counted, crossing;

@@ -27,6 +27,7 @@
 #include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "record/XDataAccess.h"
 #include "report/Balance.h"
 #include "report/ClassHierarchy.h"
@@ -262,8 +263,10 @@ int runStats(StatsArgs args) {
         return 2;
     }
     ClassNames names;
-    // The balance tables measure the same parcels again: one session clips each once.
+    // The balance tables measure the same parcels again: one session clips each once and
+    // another reads each record once, until the tables are built.
     stats::ClipSession session;
+    auto records = std::make_unique<dk::RecordSession>();
     report::ParcelLists parcels = report::findParcels(args.status);
     if (!chosen.isEmpty()) {
         for (AcDbObjectIdArray* list : {&parcels.current, &parcels.planned}) {
@@ -282,6 +285,7 @@ int runStats(StatsArgs args) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }
+    records.reset();
     if (!args.map.empty()) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},

@@ -12,6 +12,7 @@
 #include "record/DKKeys.h"
 #include "record/DKScan.h"
 #include "record/LabelList.h"
+#include "record/RecordSession.h"
 #include "record/XDataAccess.h"
 #include "standard/KovaAttribSet.h"
 
@@ -121,17 +122,24 @@ int CDKBJXDInfo::GetObjectW(AcDbObjectId& id) const {
 
 int CDKBJXDInfo::IsDkbj() const {
     if (!live(m_id)) return 0;
-    CStringArray names;
-    ARX_DATA::CFSimpleXData::GetAllAppNames(m_id, names);
-    return carriesAny(names, {dk::FAPP_GHDK, dk::FAPP_GHDK_FG, dk::FAPP_GHDK_ZG, dk::FAPP_GHDK_TX,
-                              dk::APP_DKSX, dk::APP_DKBJ})
-               ? 1
-               : 0;
+    double unused = 0;
+    return dk::RememberedNumber(m_id, L"IsDkbj", unused, [&](double&) {
+        CStringArray names;
+        ARX_DATA::CFSimpleXData::GetAllAppNames(m_id, names);
+        return carriesAny(names, {dk::FAPP_GHDK, dk::FAPP_GHDK_FG, dk::FAPP_GHDK_ZG,
+                                  dk::FAPP_GHDK_TX, dk::APP_DKSX, dk::APP_DKBJ})
+                   ? 1
+                   : 0;
+    });
 }
 
 int CDKBJXDInfo::IsXZDkbj() const {
-    CString value;
-    return live(m_id) && ARX_DATA::CFSimpleXData::GetFrom(m_id, dk::FAPP_XZDK, value) ? 1 : 0;
+    if (!live(m_id)) return 0;
+    double unused = 0;
+    return dk::RememberedNumber(m_id, L"IsXZDkbj", unused, [&](double&) {
+        CString value;
+        return ARX_DATA::CFSimpleXData::GetFrom(m_id, dk::FAPP_XZDK, value) ? 1 : 0;
+    });
 }
 
 int CDKBJXDInfo::IsGHDxkj() const {
@@ -153,13 +161,20 @@ int CDKBJXDInfo::GetData(const wchar_t* key, CString& value) const {
 
 int CDKBJXDInfo::GetData(int generation, const wchar_t* key, CString& value) const {
     if (!live(m_id) || key == nullptr) return 0;
-    if (generation == 1) return CDKBJInfo(m_id).GetData(storedName(key, 1), value);
-    return ARX_DATA::CFGisXData::GetFrom(m_id, storedName(key, generation), value);
+    const wchar_t* stored = storedName(key, generation);
+    // Generation 1 reads another layout under the same names: kept apart.
+    return dk::RememberedText(m_id, generation == 1 ? L'1' : L'F', stored, value,
+                              [&](CString& text) {
+                                  if (generation == 1) return CDKBJInfo(m_id).GetData(stored, text);
+                                  return ARX_DATA::CFGisXData::GetFrom(m_id, stored, text);
+                              });
 }
 
 int CDKBJXDInfo::GetAttrib(const CString& key, CString& value) const {
     if (!live(m_id)) return 0;
-    return ARX_DATA::CFGisXData::GetFrom(m_id, key, value);
+    return dk::RememberedText(m_id, L'F', key, value, [&](CString& text) {
+        return ARX_DATA::CFGisXData::GetFrom(m_id, key, text);
+    });
 }
 
 int CDKBJXDInfo::GetData(CStringArray& keys, CStringArray& values, CStringArray& appNames) const {
@@ -227,6 +242,7 @@ int CDKBJXDInfo::SetData(const wchar_t* key, const wchar_t* value) {
 }
 
 int CDKBJXDInfo::SetData(const wchar_t* key, const wchar_t* value, const wchar_t* appName) {
+    dk::ForgetRecords();
     if (!live(m_id) || key == nullptr) return 0;
     return ARX_DATA::CFGisXData::SetTo(m_id, keyOf(key, true), value ? value : L"",
                                        appName ? appName : L"");
@@ -237,11 +253,13 @@ int CDKBJXDInfo::SetAttrib(const CString& key, const CString& value) {
 }
 
 int CDKBJXDInfo::SetAttrib(const CString& key, const CString& value, const CString& appName) {
+    dk::ForgetRecords();
     if (!live(m_id)) return 0;
     return ARX_DATA::CFGisXData::SetTo(m_id, key, value, appName);
 }
 
 int CDKBJXDInfo::SetData(const CStringArray& keys, const CStringArray& values) {
+    dk::ForgetRecords();
     if (!live(m_id)) return 0;
     CStringArray names;
     ARX_DATA::CFSimpleXData::GetAllAppNames(m_id, names);
@@ -267,6 +285,7 @@ int CDKBJXDInfo::SetXZData(const wchar_t* key, const wchar_t* value) {
 }
 
 int CDKBJXDInfo::SetXZData(const wchar_t* key, const wchar_t* value, const wchar_t* appName) {
+    dk::ForgetRecords();
     if (!live(m_id) || key == nullptr) return 0;
     if (!mark(m_id, dk::FAPP_XZDK, dk::MARK_XZDK, false)) return 0;
     return ARX_DATA::CFGisXData::SetTo(m_id, key, value ? value : L"", appName ? appName : L"");
@@ -278,12 +297,14 @@ int CDKBJXDInfo::SetXZData(const CStringArray& keys, const CStringArray& values)
 
 int CDKBJXDInfo::SetXZData(const CStringArray& keys, const CStringArray& values,
                            const wchar_t* appName) {
+    dk::ForgetRecords();
     if (!live(m_id) || !mark(m_id, dk::FAPP_XZDK, dk::MARK_XZDK, false)) return 0;
     return writeFields(m_id, keys, values, appName);
 }
 
 int CDKBJXDInfo::SetDXKJData(const wchar_t* key, const wchar_t* value, const wchar_t* appName,
                              int planned) {
+    dk::ForgetRecords();
     if (!live(m_id) || key == nullptr) return 0;
     if (!(planned ? mark(m_id, dk::FAPP_GHDK_DX, dk::MARK_GHDX, true)
                   : mark(m_id, dk::FAPP_XZDK_DX, dk::MARK_XZDX, true))) {
@@ -294,6 +315,7 @@ int CDKBJXDInfo::SetDXKJData(const wchar_t* key, const wchar_t* value, const wch
 
 int CDKBJXDInfo::SetDXKJData(const CStringArray& keys, const CStringArray& values,
                              const wchar_t* appName, int planned) {
+    dk::ForgetRecords();
     if (!live(m_id)) return 0;
     if (!(planned ? mark(m_id, dk::FAPP_GHDK_DX, dk::MARK_GHDX, true)
                   : mark(m_id, dk::FAPP_XZDK_DX, dk::MARK_XZDX, true))) {
@@ -303,6 +325,7 @@ int CDKBJXDInfo::SetDXKJData(const CStringArray& keys, const CStringArray& value
 }
 
 int CDKBJXDInfo::SetXZYDDKData(const CString& cls) {
+    dk::ForgetRecords();
     if (!live(m_id)) return 0;
     return ARX_DATA::CFGisXData::SetTo(m_id, dk::FAPP_XZDK, cls, L"");
 }
@@ -318,6 +341,7 @@ int CDKBJXDInfo::GetXZYDDKData(CString& cls) const {
 }
 
 int CDKBJXDInfo::SetPTGJInfo(const CStringArray& facilities) {
+    dk::ForgetRecords();
     if (!live(m_id) || facilities.IsEmpty()) return 0;
     return ARX_DATA::CFGisXData::SetTo(m_id, dk::FS_PTSS, facilities[0], L"");
 }
@@ -340,6 +364,7 @@ int CDKBJXDInfo::GetPTGJInfo(CStringArray& facilities) const {
 }
 
 int CDKBJXDInfo::SetIsland(const AcDbObjectIdArray& islands) {
+    dk::ForgetRecords();
     if (!live(m_id)) return 0;
     CDKBJInfo links(m_id);
     return links.SetIsland(islands);
@@ -353,15 +378,24 @@ int CDKBJXDInfo::GetIsland(AcDbObjectIdArray& islands) const {
 // ---------------------------------------------------------------------- areas
 
 int CDKBJXDInfo::FIsCalcArea() {
-    return projectSaysYes(dk::PARAM_CALC_AREA);
+    double unused = 0;
+    return dk::RememberedNumber(AcDbObjectId(), dk::PARAM_CALC_AREA, unused,
+                                [](double&) { return projectSaysYes(dk::PARAM_CALC_AREA); });
 }
 
 int CDKBJXDInfo::FCutBoundaryCalcArea() {
-    return projectSaysYes(dk::PARAM_CUT_BOUNDARY);
+    double unused = 0;
+    return dk::RememberedNumber(AcDbObjectId(), dk::PARAM_CUT_BOUNDARY, unused,
+                                [](double&) { return projectSaysYes(dk::PARAM_CUT_BOUNDARY); });
 }
 
 int CDKBJXDInfo::GetCalcArea(double& area) const {
     if (m_id.isNull()) return 0;
+    return dk::RememberedNumber(m_id, L"GetCalcArea", area,
+                                [&](double& hectares) { return calcArea(hectares); });
+}
+
+int CDKBJXDInfo::calcArea(double& area) const {
     double metres = 0;
     int result = kova::ent::GetArea(m_id, metres);
     AcDbObjectIdArray islands;
@@ -383,6 +417,11 @@ int CDKBJXDInfo::entered(double& metres) const {
 
 int CDKBJXDInfo::GetArea(double& area) const {
     if (m_id.isNull()) return 0;
+    return dk::RememberedNumber(m_id, L"GetArea", area,
+                                [&](double& hectares) { return recordArea(hectares); });
+}
+
+int CDKBJXDInfo::recordArea(double& area) const {
     if (FIsCalcArea()) return GetCalcArea(area);
     double metres = 0;
     if (!entered(metres)) return GetCalcArea(area);

@@ -200,6 +200,8 @@ class CDKBJXDInfo {
 
   private:
     int readClass(bool labelFirst, CString& cls) const;
+    int recordArea(double& area) const;
+    int calcArea(double& area) const;
     int entered(double& metres) const;
     int markAndWrite(const wchar_t* marker, const wchar_t* value, bool keepExisting,
                      const CStringArray& keys, const CStringArray& values, const wchar_t* appName);

@@ -13,6 +13,7 @@
 #include "host/kova/fgbfile.h"
 #include "host/kova/fgdutil.h"
 #include "record/DKKeys.h"
+#include "record/RecordSession.h"
 #include "standard/KovaAttribSet.h"
 
 namespace {
@@ -67,8 +68,9 @@ int extremeNumber(const CString& text, CString& value, bool largest) {
 
 }  // namespace
 
-int CheckDKDataVer(AcDbObjectId id) {
-    if (!id.isValid() || id.isErased()) return 0;
+namespace {
+
+int generationOf(AcDbObjectId id) {
     CStringArray names;
     ARX_DATA::CFSimpleXData::GetAllAppNames(id, names);
     int index = -1;
@@ -79,6 +81,15 @@ int CheckDKDataVer(AcDbObjectId id) {
     if (fgdutil::StrArrFindStr(names, dk::APP_DKSX, index)) return 2;
     if (fgdutil::StrArrFindStr(names, dk::APP_DKBJ, index)) return 1;
     return 0;
+}
+
+}  // namespace
+
+int CheckDKDataVer(AcDbObjectId id) {
+    if (!id.isValid() || id.isErased()) return 0;
+    double unused = 0;
+    return dk::RememberedNumber(id, L"CheckDKDataVer", unused,
+                                [id](double&) { return generationOf(id); });
 }
 
 int FIsNewStandardDK(AcDbObjectId id) {

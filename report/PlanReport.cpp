@@ -23,8 +23,11 @@ std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId 
                                        const PlanOptions& options) {
     std::vector<Measured> measured;
     bool split = options.balance.mixed == MixedCodes::Split;
-    Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split);
-    if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
+    // A plan without current-status parcels costs no clipping or overlap search for them.
+    if (options.currentOnly || !parcels.current.isEmpty()) {
+        Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split);
+        if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
+    }
     if (!options.currentOnly)
         measured.push_back(measureParcels(parcels.planned, boundary, Scenario::Planned, split));
     if (options.population >= 0) measured.back().population = options.population;

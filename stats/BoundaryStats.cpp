@@ -5,7 +5,6 @@
 
 #include "draw/DisplayHelpers.h"
 #include "host/arx/acutads.h"
-#include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDat.h"
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaSelSet.h"
@@ -37,7 +36,7 @@ double piecesArea(const std::vector<double>& pieces, AcDbObjectId curve, bool ca
     bool prorate = false;
     if (!calculated) {
         CString value;
-        if (ARX_DATA::CFGisXData::GetFrom(curve, dk::FD_YDMJ, value)) {
+        if (CDKBJXDInfo(curve).GetAttrib(dk::FD_YDMJ, value)) {
             entered = stats::ToNumber(value);
             prorate = entered > kAreaEpsilon;
         }
@@ -317,7 +316,7 @@ int FTJDKAreaByBoundary(const AcDbObjectIdArray& boundaries, const AcDbObjectIdA
             }
             if (!(a > kAreaEpsilon)) continue;
             CString code;
-            ARX_DATA::CFGisXData::GetFrom(id, dk::FS_DKXZ, code);
+            CDKBJXDInfo(id).GetAttrib(dk::FS_DKXZ, code);
             if (code.IsEmpty()) continue;
             addToRow(majorClasses, majorAreas, code.Left(1), a);
             addToRow(classes, classAreas, code, a);

@@ -9,7 +9,8 @@
 
 namespace {
 
-const std::string kCommands = "info, convert, stats, list, label, export, import, render, symbolize, help";
+const std::string kCommands =
+    "info, convert, stats, list, label, export, import, render, symbolize, help";
 
 bool everyLineStartsWithKplan(const std::string& text) {
     std::istringstream lines(text);

@@ -19,6 +19,7 @@
 #include "record/DKKeys.h"
 #include "tests/cli/Json.h"
 #include "tests/cli/RunKplan.h"
+#include "tests/support/Shapes.h"
 
 namespace {
 
@@ -26,17 +27,6 @@ struct Plan {
     std::string path, frame;  // frame: a plain closed line around parcel C
     std::string across;       // a plain closed line holding A and 80 m of B
 };
-
-AcDbObjectId rectangle(double x0, double y0, double x1, double y1) {
-    auto* pline = new AcDbPolyline();
-    pline->addVertexAt(0, AcGePoint2d(x0, y0));
-    pline->addVertexAt(1, AcGePoint2d(x1, y0));
-    pline->addVertexAt(2, AcGePoint2d(x1, y1));
-    pline->addVertexAt(3, AcGePoint2d(x0, y1));
-    pline->setClosed(true);
-    AcDbEntity* entity = pline;
-    return kova::ent::SafeAddToDb(entity);
-}
 
 void planned(AcDbObjectId id, const wchar_t* cls) {
     ARX_DATA::CFGisXData::SetTo(id, dk::FAPP_GHDK, L"", dk::TYPE_KGDK);
@@ -49,14 +39,14 @@ const Plan& plan() {
     static const Plan made = [] {
         Plan p;
         AcApDocument* document = acDocManager->appendDocument();
-        planned(rectangle(0, 0, 100, 100), L"R21");
-        planned(rectangle(100, 0, 250, 100), L"G1");
-        planned(rectangle(1000, 0, 1100, 100), L"B1");
-        AcDbObjectId frame = rectangle(900, -10, 1200, 200);
+        planned(addClosedRectangle(0, 0, 100, 100), L"R21");
+        planned(addClosedRectangle(100, 0, 250, 100), L"G1");
+        planned(addClosedRectangle(1000, 0, 1100, 100), L"B1");
+        AcDbObjectId frame = addClosedRectangle(900, -10, 1200, 200);
         ACHAR text[17] = {};
         frame.handle().getIntoAsciiBuffer(text);
         p.frame = CString(text).ToUtf8();
-        rectangle(0, 0, 180, 100).handle().getIntoAsciiBuffer(text);
+        addClosedRectangle(0, 0, 180, 100).handle().getIntoAsciiBuffer(text);
         p.across = CString(text).ToUtf8();
         p.path = testFolder() + "/interactive.dxf";
         std::string error;

@@ -19,6 +19,7 @@
 #include "record/DYBJInfo.h"
 #include "tests/cli/Json.h"
 #include "tests/cli/RunKplan.h"
+#include "tests/support/Shapes.h"
 
 namespace {
 
@@ -35,14 +36,7 @@ std::string handleOf(AcDbObjectId id) {
 }
 
 AcDbObjectId rectangle(double x0, double y0, double x1, double y1) {
-    auto* pline = new AcDbPolyline();
-    pline->addVertexAt(0, AcGePoint2d(X0 + x0, Y0 + y0));
-    pline->addVertexAt(1, AcGePoint2d(X0 + x1, Y0 + y0));
-    pline->addVertexAt(2, AcGePoint2d(X0 + x1, Y0 + y1));
-    pline->addVertexAt(3, AcGePoint2d(X0 + x0, Y0 + y1));
-    pline->setClosed(true);
-    AcDbEntity* entity = pline;
-    return kova::ent::SafeAddToDb(entity);
+    return addClosedRectangle(X0 + x0, Y0 + y0, X0 + x1, Y0 + y1);
 }
 
 void planned(AcDbObjectId id, const wchar_t* number, const wchar_t* cls, const wchar_t* people) {

@@ -16,6 +16,7 @@
 #include "record/DKKeys.h"
 #include "record/DKTCInfo.h"
 #include "tests/cli/RunKplan.h"
+#include "tests/support/Shapes.h"
 
 namespace {
 
@@ -29,17 +30,6 @@ std::string check(const std::string& drawing) {
                           "/tests/cli/check_symbolized.py' '" + drawing + "' >'" + out + "' 2>&1";
     std::system(command.c_str());
     return slurp(out);
-}
-
-AcDbObjectId rectangle(double x0, double y0, double x1, double y1) {
-    auto* pline = new AcDbPolyline();
-    pline->addVertexAt(0, AcGePoint2d(x0, y0));
-    pline->addVertexAt(1, AcGePoint2d(x1, y0));
-    pline->addVertexAt(2, AcGePoint2d(x1, y1));
-    pline->addVertexAt(3, AcGePoint2d(x0, y1));
-    pline->setClosed(true);
-    AcDbEntity* entity = pline;
-    return kova::ent::SafeAddToDb(entity);
 }
 
 CStringArray list(std::initializer_list<const wchar_t*> items) {
@@ -56,14 +46,15 @@ const std::string& fixture() {
     static const std::string path = [] {
         AcApDocument* document = acDocManager->appendDocument();
         const CStringArray keys = list({dk::FS_DKBH, dk::FS_DKXZ});
-        AcDbObjectId home = rectangle(0, 0, 100, 100);
+        AcDbObjectId home = addClosedRectangle(0, 0, 100, 100);
         CDKBJXDInfo(home).SetData(keys, list({L"A-01", L"R21"}));
-        AcDbObjectId park = rectangle(100, 0, 300, 200), station = rectangle(150, 50, 200, 100);
+        AcDbObjectId park = addClosedRectangle(100, 0, 300, 200),
+                     station = addClosedRectangle(150, 50, 200, 100);
         CDKBJXDInfo(station).SetData(keys, list({L"A-03", L"U12"}));
         AcDbObjectIdArray islands;
         islands.append(station);
         CDKBJXDInfo(park).SetData(keys, list({L"A-02", L"G1"}), islands);
-        AcDbObjectId shop = rectangle(0, 100, 100, 200);
+        AcDbObjectId shop = addClosedRectangle(0, 100, 100, 200);
         CDKBJXDInfo(shop).SetData(keys, list({L"A-04", L"B1"}));
         auto* fill = new AcDbHatch();
         fill->setPattern(AcDbHatch::kPreDefined, L"SOLID");
@@ -73,11 +64,11 @@ const std::string& fixture() {
         AcDbEntity* entity = fill;
         CDKTCInfo(kova::ent::SafeAddToDb(entity))
             .SetData(list({dk::LBL_DKBH, dk::LBL_DKLB}), list({L"A-04", L"B1"}));
-        CDKBJXDInfo(rectangle(0, 200, 100, 300)).SetData(keys, list({L"A-05", L""}));
-        CDKBJXDInfo(rectangle(300, 0, 400, 100))
+        CDKBJXDInfo(addClosedRectangle(0, 200, 100, 300)).SetData(keys, list({L"A-05", L""}));
+        CDKBJXDInfo(addClosedRectangle(300, 0, 400, 100))
             .SetDXKJData(list({dk::FS_DXKJBH, dk::FS_DXKJXZ}), list({L"DX-01", L"B1"}),
                          dk::FAPP_GHDK_DX, 1);
-        CDKBJXDInfo(rectangle(400, 0, 500, 100)).SetXZData(keys, list({L"XZ-01", L"E1"}));
+        CDKBJXDInfo(addClosedRectangle(400, 0, 500, 100)).SetXZData(keys, list({L"XZ-01", L"E1"}));
         std::string made = testFolder() + "/parcels.dxf";
         std::string error;
         EXPECT_TRUE(dxf::save(*document->database(), made, error)) << error;

@@ -258,6 +258,16 @@ AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjec
     return older;
 }
 
+int openWithStandard(const std::string& path, const StandardOptions& options,
+                     LoadedDrawing& drawing) {
+    std::string error;
+    if (!applyStandard(options, error) || !drawing.open(path, options, error)) {
+        std::cerr << "kplan: " << error << "\n";
+        return 1;
+    }
+    return 0;
+}
+
 int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
                   const StandardOptions& options, Format& format, LoadedDrawing& drawing,
                   std::string& path) {

@@ -63,6 +63,11 @@ class LoadedDrawing {
 // ("地块属性", "地块边界"): the scans of the current generation do not return them.
 AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjectIdArray& found);
 
+// Applies the standards options and loads the drawing at path as the current document:
+// 0 when both worked; otherwise 1, with the message printed.
+int openWithStandard(const std::string& path, const StandardOptions& options,
+                     LoadedDrawing& drawing);
+
 // What a command reporting on a drawing does first: reads the output format, applies the
 // standards options, and loads the drawing named (the sample plan when none is) as the
 // current document. 0 when all is ready; otherwise the exit code, with the message

@@ -29,15 +29,8 @@ int runExport(const ExportArgs& args) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }
-    if (!applyStandard(args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
     LoadedDrawing drawing;
-    if (!drawing.open(args.drawing, args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
+    if (int failed = openWithStandard(args.drawing, args.standard, drawing)) return failed;
     std::vector<gis::ExportLayer> layers = gis::drawingLayers();
     // Parcels of older releases are planned parcels too; the current scans miss them.
     layers[0].ids.append(olderGenerationParcels(*drawing.database(), layers[0].ids));

@@ -34,15 +34,8 @@ int runImport(const ImportArgs& args) {
         options.map.emplace_back(pair.substr(0, at), pair.substr(at + 1));
     }
     std::string error;
-    if (!applyStandard(args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
     LoadedDrawing drawing;
-    if (!drawing.open(args.into, args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
+    if (int failed = openWithStandard(args.into, args.standard, drawing)) return failed;
     gis::ImportSummary summary;
     if (!gis::importLayer(args.source, *drawing.database(), options, summary, error) ||
         !dxf::save(*drawing.database(), args.out, error)) {

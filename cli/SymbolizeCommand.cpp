@@ -285,15 +285,8 @@ void printSummary(const Summary& s, const SymbolizeArgs& args) {
 int runSymbolize(const SymbolizeArgs& args) {
     if (int refused = checkDxfOutput(args.out, args.force)) return refused;
     std::string error;
-    if (!applyStandard(args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
     LoadedDrawing drawing;
-    if (!drawing.open(args.drawing, args.standard, error)) {
-        std::cerr << "kplan: " << error << "\n";
-        return 1;
-    }
+    if (int failed = openWithStandard(args.drawing, args.standard, drawing)) return failed;
     AcDbDatabase& database = *drawing.database();
     bool hatching = !args.noHatch;
     Summary summary;

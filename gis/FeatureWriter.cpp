@@ -11,7 +11,8 @@ constexpr std::size_t kQueued = 16;  // batches waiting at most: memory stays bo
 
 }  // namespace
 
-FeatureWriter::FeatureWriter(OGRLayer& layer) : layer_(layer) {
+FeatureWriter::FeatureWriter(OGRLayer& layer, bool envelopes)
+    : layer_(layer), keepEnvelopes_(envelopes) {
     filling_.reserve(kBatch);
     thread_ = std::thread([this] { run(); });
 }
@@ -42,10 +43,19 @@ void FeatureWriter::run() {
                 error_ = CPLGetLastErrorMsg();
             } else {
                 ++written_;
+                keepEnvelope(*feature);
             }
         }
     }
     CPLPopErrorHandler();
+}
+
+void FeatureWriter::keepEnvelope(const OGRFeature& feature) {
+    const OGRGeometry* geometry = feature.GetGeometryRef();
+    if (!keepEnvelopes_ || geometry == nullptr || geometry->IsEmpty()) return;
+    OGREnvelope box;
+    geometry->getEnvelope(&box);
+    envelopes_.push_back({feature.GetFID(), box.MinX, box.MaxX, box.MinY, box.MaxY});
 }
 
 void FeatureWriter::hand(bool last) {

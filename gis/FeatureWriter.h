@@ -12,11 +12,15 @@
 #include <thread>
 #include <vector>
 
+#include "gis/GpkgSpatialIndex.h"
+
 namespace gis {
 
 class FeatureWriter {
   public:
-    explicit FeatureWriter(OGRLayer& layer);
+    // With envelopes, the id and bounds of each written feature with a geometry are kept
+    // for a spatial index built afterwards.
+    explicit FeatureWriter(OGRLayer& layer, bool envelopes = false);
     FeatureWriter(const FeatureWriter&) = delete;
     FeatureWriter& operator=(const FeatureWriter&) = delete;
     ~FeatureWriter();
@@ -26,17 +30,22 @@ class FeatureWriter {
     // Waits for every queued feature; false with GDAL's message when one failed.
     bool finish(std::string& error);
     long long written() const { return written_; }
+    // After finish(): the envelopes kept, in the order written.
+    std::vector<IndexEntry> takeEnvelopes() { return std::move(envelopes_); }
 
   private:
     using Batch = std::vector<std::unique_ptr<OGRFeature>>;
     void run();
     void hand(bool last);
+    void keepEnvelope(const OGRFeature& feature);
 
     OGRLayer& layer_;
     Batch filling_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<Batch> queue_;
+    bool keepEnvelopes_ = false;
+    std::vector<IndexEntry> envelopes_;
     bool closed_ = false, failed_ = false;
     std::string error_;
     long long written_ = 0;

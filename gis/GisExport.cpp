@@ -15,6 +15,7 @@
 #include "gis/FeatureWriter.h"
 #include "gis/GisFields.h"
 #include "gis/GisSession.h"
+#include "gis/GpkgSpatialIndex.h"
 #include "host/arx/dbents.h"
 #include "host/arx/dbpl.h"
 #include "host/arx/outline.h"
@@ -326,13 +327,17 @@ void writeGpkgTitles(GDALDataset& dataset, const std::string& table,
     }
 }
 
+// A GeoPackage layer's spatial index is left to writeSpatialIndexes, which builds it from
+// the envelopes kept in index: GDAL 3.6 inserts them one by one into SQLite's R-tree.
 bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatialReference* srs,
                 const ExportOptions& options, const std::string& file, ExportSummary& summary,
-                std::string& error) {
+                std::vector<LayerIndex>& indexes, std::string& error) {
     const ExportLayer& layer = *output.layer;
     char** creation = nullptr;
     std::string driver = dataset.GetDriverName();
+    const bool gpkg = driver == "GPKG";
     if (driver == "ESRI Shapefile") creation = CSLSetNameValue(creation, "ENCODING", "UTF-8");
+    if (gpkg) creation = CSLSetNameValue(creation, "SPATIAL_INDEX", "NO");
     OGRLayer* out = dataset.CreateLayer(layer.name.c_str(), const_cast<OGRSpatialReference*>(srs),
                                         layer.kind == LayerKind::RedLine ? wkbLineString
                                         : options.curves                 ? wkbCurvePolygon
@@ -372,7 +377,7 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
                         : field.name == "class_name" ? Role::ClassName
                                                      : Role::Recorded);
     }
-    FeatureWriter writer(*out);
+    FeatureWriter writer(*out, gpkg);
     for (const Feature& feature : output.features) {
         std::fill(recorded.begin(), recorded.end(), nullptr);
         for (const auto& known : feature.values)
@@ -455,9 +460,11 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
         error = file + ": cannot write layer " + layer.name + ": " + CPLGetLastErrorMsg();
         return false;
     }
-    // After the features: a statement of its own between them would make GDAL build the
-    // spatial index as it goes instead of at the end.
-    if (driver == "GPKG") writeGpkgTitles(dataset, layer.name, output.fields);
+    if (gpkg) {
+        writeGpkgTitles(dataset, layer.name, output.fields);
+        indexes.push_back({out->GetName(), out->GetGeometryColumn(), out->GetFIDColumn(),
+                           writer.takeEnvelopes()});
+    }
     summary.layers.emplace_back(layer.name, writer.written());
     return true;
 }
@@ -637,14 +644,20 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
             return false;
         }
         std::size_t first = oneFile ? 0 : i, last = oneFile ? outputs.size() : i + 1;
+        std::vector<LayerIndex> indexes;
         for (std::size_t l = first; l < last; ++l) {
-            if (!writeLayer(*dataset, outputs[l], crs, layerOptions, path, summary, error))
+            if (!writeLayer(*dataset, outputs[l], crs, layerOptions, path, summary, indexes, error))
                 return false;
         }
         CPLErrorReset();
         GDALClose(dataset.release());
         if (CPLGetLastErrorType() == CE_Failure) {
             error = path + ": cannot finish: " + CPLGetLastErrorMsg();
+            return false;
+        }
+        std::string failure;
+        if (!indexes.empty() && !writeSpatialIndexes(file, indexes, failure)) {
+            error = path + ": " + failure;
             return false;
         }
     }

@@ -10,7 +10,7 @@ packages=(
     libgeos-dev python3 python3-ezdxf python3-matplotlib
     clang libclang-rt-14-dev clang-format
     libdxflib-dev
-    libgdal-dev gdal-bin python3-gdal
+    libgdal-dev libsqlite3-dev gdal-bin python3-gdal
     nlohmann-json3-dev libxlsxwriter-dev python3-openpyxl
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
     tmux

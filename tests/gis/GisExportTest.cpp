@@ -86,6 +86,9 @@ TEST_F(GisExportTest, EveryKindIsALayerWithTheFeaturesKplanListCounts) {
         ASSERT_GT(e.count, 0u);
         EXPECT_EQ(layer["count"].number(), static_cast<double>(e.count));
         EXPECT_EQ(layer["epsg"].string(), "4547");
+        // The index kplan writes itself: GDAL filters through it, SQLite finds it sound.
+        EXPECT_EQ(layer["fast_spatial_filter"].number(), 1);
+        EXPECT_EQ(layer["rtreecheck"].string(), "ok");
     }
     // The sample has no underground spaces: those layers are left out, and said so.
     EXPECT_TRUE(layerNamed(dump_, "underground_planned").isNull());

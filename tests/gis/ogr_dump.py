@@ -20,6 +20,17 @@ def titles(path):
                 db.execute("SELECT table_name, column_name, title FROM gpkg_data_columns")}
 
 
+def index_check(path, layer):
+    """SQLite's own verdict on a GeoPackage layer's R-tree, None without one."""
+    if not path.endswith(".gpkg"):
+        return None
+    name = "rtree_%s_%s" % (layer.GetName(), layer.GetGeometryColumn())
+    with sqlite3.connect(path) as db:
+        if not db.execute("SELECT 1 FROM sqlite_master WHERE name = ?", (name,)).fetchone():
+            return None
+        return db.execute("SELECT rtreecheck(?)", (name,)).fetchone()[0]
+
+
 def geometry(g):
     if g is None:
         return {"type": None}
@@ -56,6 +67,8 @@ def main(path):
                              "geometry": geometry(f.GetGeometryRef())})
         layers.append({"name": layer.GetName(), "count": layer.GetFeatureCount(),
                        "epsg": srs.GetAuthorityCode(None) if srs else None,
+                       "fast_spatial_filter": int(layer.TestCapability(ogr.OLCFastSpatialFilter)),
+                       "rtreecheck": index_check(path, layer),
                        "fields": fields, "features": features})
     json.dump({"layers": layers}, sys.stdout, ensure_ascii=False)
 

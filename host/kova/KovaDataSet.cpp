@@ -49,7 +49,7 @@ fs::path executableDirectory() {
     return ec ? fs::path() : exe.parent_path();
 }
 
-std::wstring defaultRoot() {
+std::wstring searchDefaultRoot() {
     std::vector<fs::path> candidates;
     fs::path exeDir = executableDirectory();
     if (!exeDir.empty()) {
@@ -67,6 +67,13 @@ std::wstring defaultRoot() {
         if (isDirectory(c)) return fromPath(c.lexically_normal());
     }
     return candidates.empty() ? std::wstring() : fromPath(candidates.back().lexically_normal());
+}
+
+// Searched once a process: every class, colour and field lookup asks for the root, and the
+// folders beside the program do not move while it runs.
+const std::wstring& defaultRoot() {
+    static const std::wstring root = searchDefaultRoot();
+    return root;
 }
 
 std::wstring pick(const std::wstring& set, const char* variable, const std::wstring& fallback) {

@@ -6,6 +6,7 @@
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "gis/ClassColour.h"
 #include "gis/GisExport.h"
 
 namespace kplan::cli {
@@ -40,6 +41,7 @@ int runExport(const ExportArgs& args) {
     options.overwrite = args.overwrite;
     options.curves = args.curves;
     options.className = [&names](const std::string& code) { return names.of(code); };
+    options.classColour = gis::classColourText;
     gis::ExportSummary summary;
     if (!gis::exportLayers(layers, args.out, options, summary, error)) {
         std::cerr << "kplan: " << error << "\n";

@@ -111,6 +111,7 @@ std::vector<Field> layerFields(const ExportLayer& layer, const std::vector<Featu
     if (layer.kind == LayerKind::Parcel) {
         fields.push_back({"generation", FieldType::Integer, "记录版本"});
         fields.push_back({"class_name", FieldType::Text, "类别名称"});
+        fields.push_back({"class_colour", FieldType::Text, "类别颜色"});
     }
     if (layer.kind != LayerKind::RedLine)
         fields.push_back({"area_ha", FieldType::Real, "面积(公顷)"});
@@ -265,8 +266,12 @@ double areaOf(const ExportLayer& layer, AcDbObjectId id) {
     return area;
 }
 
+bool isUnderground(const ExportLayer& layer) {
+    return layer.app == dk::FAPP_GHDK_DX || layer.app == dk::FAPP_XZDK_DX;
+}
+
 std::string classCode(const ExportLayer& layer, const Values& values) {
-    bool underground = layer.app == dk::FAPP_GHDK_DX || layer.app == dk::FAPP_XZDK_DX;
+    bool underground = isUnderground(layer);
     std::string code;
     for (const auto& value : values) {
         if (underground && value.first == "FS_DXKJXZ" && !value.second.empty()) return value.second;
@@ -368,14 +373,15 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
     std::vector<const std::string*> recorded(output.fields.size());
     // What fills each field, settled once rather than by its name for every feature; the
     // generation and area go in as numbers, not through text.
-    enum class Role { Handle, Generation, Area, ClassName, Recorded };
+    enum class Role { Handle, Generation, Area, ClassName, ClassColour, Recorded };
     std::vector<Role> roles;
     for (const Field& field : output.fields) {
-        roles.push_back(field.name == "handle"       ? Role::Handle
-                        : field.name == "generation" ? Role::Generation
-                        : field.name == "area_ha"    ? Role::Area
-                        : field.name == "class_name" ? Role::ClassName
-                                                     : Role::Recorded);
+        roles.push_back(field.name == "handle"         ? Role::Handle
+                        : field.name == "generation"   ? Role::Generation
+                        : field.name == "area_ha"      ? Role::Area
+                        : field.name == "class_name"   ? Role::ClassName
+                        : field.name == "class_colour" ? Role::ClassColour
+                                                       : Role::Recorded);
     }
     FeatureWriter writer(*out, gpkg);
     for (const Feature& feature : output.features) {
@@ -429,6 +435,12 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
                 case Role::ClassName: {
                     std::string code = classCode(layer, feature.values);
                     if (options.className && !code.empty()) value = options.className(code);
+                    break;
+                }
+                case Role::ClassColour: {
+                    std::string code = classCode(layer, feature.values);
+                    if (options.classColour && !code.empty())
+                        value = options.classColour(code, !isUnderground(layer));
                     break;
                 }
                 case Role::Recorded:
@@ -631,6 +643,16 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
                                   &options](const std::string& code) mutable {
             auto known = names.find(code);
             if (known == names.end()) known = names.emplace(code, options.className(code)).first;
+            return known->second;
+        };
+    }
+    if (options.classColour) {
+        layerOptions.classColour = [colours = std::map<std::pair<std::string, bool>, std::string>(),
+                                    &options](const std::string& code, bool above) mutable {
+            auto known = colours.find({code, above});
+            if (known == colours.end())
+                known =
+                    colours.emplace(std::pair(code, above), options.classColour(code, above)).first;
             return known->second;
         };
     }

@@ -2,7 +2,7 @@
 // A drawing's records as GIS layers (GDAL): one layer per kind of record, one feature per
 // outline with its islands as holes and arcs as chords within 1 cm, one typed field per
 // record key with the attribute files' aliases as alternative names, and the handle and
-// record generation of each outline.
+// record generation of each outline; parcels also carry their class name and colour.
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,6 +37,9 @@ struct ExportOptions {
     bool curves = false;
     // The class table's name of a class code ("" when unknown); fills class_name.
     std::function<std::string(const std::string&)> className;
+    // The fill colour of a class code as "#RRGGBB", above or below ground ("" when it has
+    // none); fills class_colour. Asked once per code and layer kind.
+    std::function<std::string(const std::string&, bool aboveGround)> classColour;
 };
 
 struct ExportSummary {

@@ -171,6 +171,30 @@ TEST_F(GisExportTest, ValuesHolesAndAreasAgreeWithKplanList) {
     EXPECT_GE(olderGenerations, 1);
 }
 
+TEST_F(GisExportTest, ParcelsCarryTheFillColourOfTheirClass) {
+    // Read off the shipped "2011国标城乡用地类别.txt"; "B1/R2" takes B1's colour.
+    const std::map<std::string, std::string> fills = {
+        {"R21", "#FFFF00"}, {"B1", "#FF0000"},  {"B1/R2", "#FF0000"},
+        {"G1", "#00FF00"},  {"E1", "#7FDFFF"},  {"M1", "#BF8C59"},
+        {"E2", "#CCFF99"},  {"H14", "#FFDF9F"}, {"E13", "#99DFFF"},
+    };
+    std::map<std::string, int> seen;
+    for (const char* name : {"planned_parcels", "current_parcels"}) {
+        const Json& features = layerNamed(dump_, name)["features"];
+        for (std::size_t i = 0; i < features.size(); ++i) {
+            const Json& f = features[i]["fields"];
+            auto fill = fills.find(f["FS_DKXZ"].string());
+            if (fill == fills.end()) continue;
+            SCOPED_TRACE(f["handle"].string() + " " + fill->first);
+            EXPECT_EQ(f["class_colour"].string(), fill->second);
+            ++seen[fill->first];
+        }
+    }
+    EXPECT_EQ(seen.size(), fills.size()) << "every class of the table above is in the sample";
+    EXPECT_EQ(fieldOf(layerNamed(dump_, "planned_parcels"), "class_colour")["title"].string(),
+              "类别颜色");
+}
+
 TEST(GisExportFormats, OneLayerFormatsGetAFilePerLayer) {
     for (const char* ext : {".geojson", ".shp", ".fgb"}) {
         SCOPED_TRACE(ext);

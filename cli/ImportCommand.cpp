@@ -53,6 +53,12 @@ int runImport(const ImportArgs& args) {
     for (const auto& [field, key] : summary.matched)
         std::cout << " " << field << (field == key ? "" : "=" + key);
     std::cout << (summary.matched.empty() ? " none\n" : "\n");
+    if (!summary.layers.empty()) {
+        std::cout << "drawing layers:";
+        for (const std::string& name : summary.layers)
+            std::cout << " " << name;
+        std::cout << "\n";
+    }
     if (!summary.unmatched.empty()) {
         std::cout << "not imported (no key matches; --map FIELD=KEY):";
         for (const std::string& field : summary.unmatched)

@@ -3,13 +3,17 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <memory>
 
+#include "draw/Layers.h"
+#include "draw/ParcelLayerNames.h"
 #include "gis/GisFields.h"
 #include "gis/GisSession.h"
 #include "host/arx/dbpl.h"
+#include "host/arx/dbsymtb.h"
 #include "host/kova/KovaEnt.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
@@ -236,14 +240,66 @@ int readGeometry(const OGRGeometry* geometry, const Parcel& fields, std::vector<
     return made;
 }
 
-AcDbObjectId addPolyline(const Ring& ring, AcDbDatabase& database) {
+AcDbObjectId addPolyline(const Ring& ring, AcDbDatabase& database, AcDbObjectId layer) {
     auto* pline = new AcDbPolyline(static_cast<unsigned int>(ring.points.size()));
     for (std::size_t i = 0; i < ring.points.size(); ++i)
         pline->addVertexAt(static_cast<unsigned int>(i), ring.points[i], ring.bulges[i]);
     pline->setClosed(true);
+    if (!layer.isNull()) pline->setLayer(layer);
     AcDbEntity* entity = pline;
     return kova::ent::SafeAddToDb(entity, &database);
 }
+
+CString classOf(const Parcel& parcel) {
+    for (INT_PTR i = 0; i < parcel.keys.GetSize() && i < parcel.values.GetSize(); ++i) {
+        if (parcel.keys[i] == dk::FS_DKXZ) {
+            CString code = parcel.values[i];
+            code.Trim();
+            return code;
+        }
+    }
+    return CString();
+}
+
+// The boundary layer of each class, made as the symbolize command makes it: in the class's
+// boundary colour, white when the table gives none.
+class ClassLayers {
+  public:
+    ClassLayers(AcDbDatabase& database, bool planned, ImportSummary& summary)
+        : database_(database), planned_(planned), summary_(summary) {}
+
+    // Null for a parcel without a class, left on the drawing's current layer.
+    AcDbObjectId of(const CString& code) {
+        auto known = layers_.find(code.GetString());
+        if (known != layers_.end()) return known->second;
+        return layers_[code.GetString()] = make(code);
+    }
+
+  private:
+    AcDbObjectId make(const CString& code) {
+        CString name;
+        if (code.IsEmpty() || FGetDKLayer(code, name, planned_ ? 1 : 0) != 1) return {};
+        AcCmColor colour = CKovaAttribSet::FGetDKBJCmColorFromCur(code, 1);
+        if (colour.isByLayer() || colour.isByBlock() || colour.isNone()) colour.setColorIndex(7);
+        AcDbLayerTable* table = nullptr;
+        AcDbObjectId id;
+        if (!FMakeLayer(name, colour, L"CONTINUOUS") ||
+            database_.getLayerTable(table, AcDb::kForRead) != Acad::eOk)
+            return {};
+        if (table->getAt(name, id) != Acad::eOk) id = AcDbObjectId();
+        table->close();
+        std::string text = name.ToUtf8();
+        if (!id.isNull() && std::find(summary_.layers.begin(), summary_.layers.end(), text) ==
+                                summary_.layers.end())
+            summary_.layers.push_back(text);
+        return id;
+    }
+
+    AcDbDatabase& database_;
+    bool planned_;
+    ImportSummary& summary_;
+    std::map<std::wstring, AcDbObjectId> layers_;
+};
 
 }  // namespace
 
@@ -305,11 +361,13 @@ bool importLayer(const std::string& source, AcDbDatabase& database, const Import
         return false;
     }
 
+    ClassLayers layers(database, !options.current, summary);
     for (Parcel& parcel : parcels) {
-        AcDbObjectId id = addPolyline(parcel.rings[0], database);
+        AcDbObjectId layer = layers.of(classOf(parcel));
+        AcDbObjectId id = addPolyline(parcel.rings[0], database, layer);
         AcDbObjectIdArray islands;
         for (std::size_t r = 1; r < parcel.rings.size(); ++r)
-            islands.append(addPolyline(parcel.rings[r], database));
+            islands.append(addPolyline(parcel.rings[r], database, layer));
         if (id.isNull() || islands.contains(AcDbObjectId())) {
             error = "cannot add polylines to the drawing";
             return false;

@@ -24,14 +24,17 @@ TEST_F(ClassColourTest, FillColoursOfTheClassTableAsHexText) {
         bool aboveGround;
         const char* colour;
     } cases[] = {
-        {"R2", true, "#FFFF00"},  {"B1", true, "#FF0000"},    {"A1", true, "#FF7F00"},
-        {"G1", true, "#0C2238"},  {"R2/B1", true, "#FFFF00"},  // a compound code takes its first
-                                                               // code's colour
-        {"B1", false, "#00FFFF"},  // below ground from the "_地下" table
-        {"KB", true, "#FFFFFF"},   // blank land without a layer standard: 7
-        {"M1", true, ""},          // a line without a colour
-        {"X9", true, ""},          // a class the table does not know
-        {"R2", false, ""},         // not in the underground table
+        {"R2", true, "#FFFF00"},
+        {"B1", true, "#FF0000"},
+        {"A1", true, "#FF7F00"},
+        {"G1", true, "#0C2238"},
+        {"R2/B1", true, "#FFFF00"},  // a compound code takes its first
+                                     // code's colour
+        {"B1", false, "#00FFFF"},    // below ground from the "_地下" table
+        {"KB", true, "#FFFFFF"},     // blank land without a layer standard: 7
+        {"M1", true, ""},            // a line without a colour
+        {"X9", true, ""},            // a class the table does not know
+        {"R2", false, ""},           // not in the underground table
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.code) + (c.aboveGround ? " above" : " below"));

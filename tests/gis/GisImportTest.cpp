@@ -131,6 +131,65 @@ TEST(GisImportTest, EachPartOfAMultipolygonIsAParcelWithTheFeaturesFields) {
     EXPECT_NEAR(total, 0.5 + 0.5, 1e-9);  // a 100 m right triangle and a 100 x 50 m rectangle
 }
 
+// Closed polylines of a drawing (layer, area) and its layers' colours, as ezdxf reads them.
+Json outlineLayers(const std::string& dxf) {
+    std::string out = testFolder() + "/outlines.json";
+    std::string command = "/usr/bin/python3 '" + std::string(KPLAN_SOURCE_DIR) +
+                          "/tests/gis/dxf_outline_layers.py' " + shellPath(dxf) + " >" +
+                          shellPath(out);
+    if (std::system(command.c_str()) != 0) return Json::parse("");
+    return Json::parse(slurp(out));
+}
+
+TEST(GisImportTest, ParcelsGoOnTheBoundaryLayerOfTheirClass) {
+    // The shipped class table names every class's layer: its planned boundary prefix "GH-"
+    // + code, which current parcels take too (the table's name comes before the current
+    // affixes "XZ-"), in the class's colour: R21 (255,255,0), G1 (0,255,0). A parcel without
+    // a class stays on the drawing's current layer, "0".
+    std::string gpkg = makeGpkg(
+        "layers",
+        collection(
+            feature(R"("FS_DKBH": "L-1", "FS_DKXZ": "R21")", square(500000, 3500000, 100, 20)) +
+            ", " + feature(R"("FS_DKBH": "L-2", "FS_DKXZ": "G1")", square(500200, 3500000, 50)) +
+            ", " + feature(R"("FS_DKBH": "L-3")", square(500300, 3500000, 30))));
+    ASSERT_FALSE(gpkg.empty());
+    struct Case {
+        const char* kind;
+        const char* r21;
+        const char* g1;
+    } cases[] = {{"planned", "GH-R21", "GH-G1"}, {"current", "GH-R21", "GH-G1"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.kind);
+        std::string out = testFolder() + "/import/layers-" + c.kind + ".dxf";
+        Outcome run = kplan("import " + shellPath(gpkg) + " --into " + shellPath(emptyDrawing()) +
+                            " -o " + shellPath(out) + " --kind " + c.kind);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_NE(run.out.find(std::string("drawing layers: ") + c.r21 + " " + c.g1),
+                  std::string::npos)
+            << run.out;
+        Json drawing = outlineLayers(out);
+        ASSERT_TRUE(drawing.ok());
+        // Outline and island of L-1 (100 and 20 m squares), L-2, L-3, by area.
+        std::map<long, std::string> layerByArea;
+        const Json& outlines = drawing["outlines"];
+        for (std::size_t i = 0; i < outlines.size(); ++i)
+            layerByArea[std::lround(outlines[i]["area"].number())] = outlines[i]["layer"].string();
+        std::map<long, std::string> expected = {
+            {10000, c.r21}, {400, c.r21}, {2500, c.g1}, {900, "0"}};
+        EXPECT_EQ(layerByArea, expected);
+        const Json& r21 = drawing["layers"][c.r21]["rgb"];
+        ASSERT_EQ(r21.size(), 3u);
+        EXPECT_EQ(r21[0].number(), 255);
+        EXPECT_EQ(r21[1].number(), 255);
+        EXPECT_EQ(r21[2].number(), 0);
+        const Json& g1 = drawing["layers"][c.g1]["rgb"];
+        ASSERT_EQ(g1.size(), 3u);
+        EXPECT_EQ(g1[0].number(), 0);
+        EXPECT_EQ(g1[1].number(), 255);
+        EXPECT_EQ(g1[2].number(), 0);
+    }
+}
+
 TEST(GisImportTest, BadLayersAreRefusedAndNothingIsWritten) {
     std::string bowTie = R"({"type": "Polygon", "coordinates": [[[500000, 3500000],
         [500100, 3500100], [500100, 3500000], [500000, 3500100], [500000, 3500000]]]})";

@@ -1,10 +1,12 @@
 // "kplan export" of 100,000 parcels to a GeoPackage beside "ogr2ogr -f GPKG" of the same
 // DXF in the same run: GDAL's DXF reader writes polylines and layers without the records,
 // kplan writes the parcels with every field, their holes and their arcs as chords. Both
-// run as processes, timed from start to exit, with their peak memory.
+// run as processes, timed from start to exit, with their peak memory. KPLAN_BASELINE names
+// another kplan program (one built from an earlier commit) to run beside them.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -59,4 +61,20 @@ BENCHMARK(BM_Ogr2ogrGpkg)->Arg(100000)->UseManualTime()->Unit(benchmark::kMillis
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    const char* baseline = std::getenv("KPLAN_BASELINE");
+    if (baseline != nullptr && *baseline != 0) {
+        std::string exe = baseline;
+        benchmark::RegisterBenchmark(
+            "BM_KplanBaselineExportGpkg",
+            [exe](benchmark::State& state) { runExport(state, exe, {"export"}, false); })
+            ->Arg(100000)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -233,6 +233,9 @@ bool Writer::tree(const std::string& rtree, std::vector<Cell> cells) {
             }
         }
     }
+    // In key order each row lands at the end of its table's b-tree.
+    std::sort(rowids.begin(), rowids.end());
+    std::sort(parents.begin(), parents.end());
     return pairs(rtree + "_rowid", " (rowid, nodeno)", rowids) &&
            pairs(rtree + "_parent", " (nodeno, parentnode)", parents);
 }

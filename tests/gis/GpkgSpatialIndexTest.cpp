@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "gis/GisSession.h"
-#include "tests/cli/RunKplan.h"
+#include "tests/gis/GisRun.h"
 
 namespace {
 
@@ -283,6 +283,43 @@ TEST_F(GdalIndexTest, GdalFiltersThroughTheIndexAndItsTriggersKeepItThroughEdits
     EXPECT_EQ(db.one("SELECT scope FROM gpkg_extensions WHERE table_name = 'parcels' AND "
                      "column_name = 'geom' AND extension_name = 'gpkg_rtree_index'"),
               "write-only");
+}
+
+TEST(GpkgSpatialIndexTest, ExportedIndexesHoldTheBoxesOfGdalsOwnIndex) {
+    // GDAL rebuilds each index of a copy from the geometries (arcs kept, with --curves).
+    gis::Session session;
+    for (const char* options : {"", " --curves"}) {
+        SCOPED_TRACE(options);
+        std::string ours = freshFile("ours.gpkg"), gdals = freshFile("gdals.gpkg");
+        Outcome run = kplan("export " + shellPath(samplePlan()) + " " + shellPath(ours) + options);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        fs::copy_file(ours, gdals);
+        const char* layers[] = {"planned_parcels", "current_parcels", "blocks", "red_lines"};
+        {
+            std::unique_ptr<GDALDataset> ds(
+                GDALDataset::Open(gdals.c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE));
+            ASSERT_TRUE(ds);
+            for (const char* layer : layers) {
+                for (const char* call : {"DisableSpatialIndex", "CreateSpatialIndex"}) {
+                    std::string sql = std::string("SELECT ") + call + "('" + layer + "', 'geom')";
+                    ds->ReleaseResultSet(ds->ExecuteSQL(sql.c_str(), nullptr, nullptr));
+                }
+            }
+        }
+        Db db(ours);
+        ASSERT_TRUE(db.run("ATTACH '" + gdals + "' AS gdal"));
+        for (const std::string layer : layers) {
+            SCOPED_TRACE(layer);
+            std::string rtree = "rtree_" + layer + "_geom";
+            std::string count = db.one("SELECT count(*) FROM gdal." + rtree);
+            ASSERT_NE(count, "0");
+            EXPECT_EQ(db.one("SELECT count(*) FROM " + rtree), count);
+            EXPECT_EQ(db.one("SELECT count(*) FROM " + rtree + " a JOIN gdal." + rtree +
+                             " b USING (id) WHERE a.minx = b.minx AND a.maxx = b.maxx AND "
+                             "a.miny = b.miny AND a.maxy = b.maxy"),
+                      count);
+        }
+    }
 }
 
 TEST(GpkgSpatialIndexTest, AFileThatCannotTakeTheIndexIsReportedAndLeftAsItWas) {

@@ -200,6 +200,25 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
     iconv_t cd = converter(name, kWide);
     if (cd == ConverterCache::invalid()) return false;
 
+    // Code page 936 gives the euro sign the lone byte 0x80, which GBK readers other than
+    // Windows' own (Python's codec, ezdxf) do not know: it is written as an escape.
+    constexpr wchar_t kEuro = 0x20AC;
+    if (escapes && name == "GBK" && text.find(kEuro) != std::wstring_view::npos) {
+        std::string part;
+        bool partClean = true;
+        for (std::size_t from = 0;;) {
+            const std::size_t euro = text.find(kEuro, from);
+            if (!encode(text.substr(from, euro == std::wstring_view::npos ? euro : euro - from),
+                        codePage, true, part, partClean))
+                return false;
+            out += part;
+            clean = clean && partClean;
+            if (euro == std::wstring_view::npos) return true;
+            appendEscapedChar(out, kEuro);
+            from = euro + 1;
+        }
+    }
+
     bool ascii = asciiCompatible(codePage);
     for (std::size_t k = 0; ascii && k < text.size(); ++k)
         ascii = text[k] >= 0 && text[k] < 0x80;

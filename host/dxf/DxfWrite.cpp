@@ -162,8 +162,9 @@ void Saver::writeHeader() {
     out.text(0, "SECTION");
     out.text(2, "HEADER");
     bool wroteVersion = false, wroteSeed = false;
-    // A file that named no code page was read with one decided from its text; a reader of the
-    // copy must not fall back to the DXF default ANSI_1252 where that decision said otherwise.
+    // A file that named no code page was read with one decided from its text; a reader of a
+    // copy before AC1021 must not fall back to the DXF default ANSI_1252 where that decision
+    // said otherwise (from AC1021 on, strings are UTF-8 and the code page names nothing).
     bool declaresCodePage = false;
     if (file_ && file_->hasHeader)
         for (const AcDbRawTag& t : file_->header)
@@ -174,7 +175,7 @@ void Saver::writeHeader() {
         out.text(1, version_);
         wroteVersion = true;
         if (file_ && file_->hasHeader && !declaresCodePage && !codePage.empty() &&
-            codePage != "ANSI_1252") {
+            codePage != "ANSI_1252" && version_ < "AC1021") {
             out.text(9, "$DWGCODEPAGE");
             out.text(3, codePage);
         }

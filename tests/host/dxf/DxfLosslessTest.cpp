@@ -480,6 +480,9 @@ TEST(DxfLosslessTest, CopyOfAFileThatNamesNoCodePageNamesTheOneDecided) {
         options.codePage = c.option;
         auto database = dxftest::loadText(file, error, options);
         ASSERT_TRUE(database) << error;
+        // From AC1021 on strings are UTF-8: a copy names no code page the file did not.
+        std::string utf8 = dxftest::saveText(*database, "AC1024");
+        EXPECT_EQ(utf8.find("$DWGCODEPAGE") != std::string::npos, !c.declared.empty());
         std::string saved = dxftest::saveText(*database, "AC1015");
         if (c.written.empty())
             EXPECT_EQ(saved.find("$DWGCODEPAGE"), std::string::npos);

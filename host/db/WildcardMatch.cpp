@@ -180,9 +180,33 @@ std::vector<std::wstring_view> alternatives(std::wstring_view p) {
     return parts;
 }
 
+// A pattern of plain names (commas between them at most), as selection filters mostly
+// give: compared name by name, without building tokens.
+bool isNameList(std::wstring_view pattern) {
+    return pattern.find_first_of(L"`?#@.*[~") == std::wstring_view::npos;
+}
+
+bool sameText(std::wstring_view a, std::wstring_view b, bool caseSensitive) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (fold(a[i], caseSensitive) != fold(b[i], caseSensitive)) return false;
+    }
+    return true;
+}
+
+bool matchesNameList(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
+    for (;;) {
+        std::size_t comma = pattern.find(L',');
+        if (sameText(text, pattern.substr(0, comma), caseSensitive)) return true;
+        if (comma == std::wstring_view::npos) return false;
+        pattern.remove_prefix(comma + 1);
+    }
+}
+
 }  // namespace
 
 bool wcmatch(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
+    if (isNameList(pattern)) return matchesNameList(text, pattern, caseSensitive);
     for (std::wstring_view alt : alternatives(pattern)) {
         bool negate = !alt.empty() && alt.front() == L'~';
         if (negate) alt.remove_prefix(1);

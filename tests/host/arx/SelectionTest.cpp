@@ -214,6 +214,13 @@ TEST(Wildcards, FollowTheHostsRules) {
         {L"AB", L"*A*B*", true},
         {L"ABAB", L"*AB", true},
         {L"[X", L"[X", true},
+        // Plain names, compared without tokens: whole names only, case ignored.
+        {L"circle", L"LINE,CIRCLE", true},
+        {L"LINES", L"LINE,CIRCLE", false},
+        {L"CIRCL", L"LINE,CIRCLE", false},
+        {L"", L"LINE,", true},
+        {L"", L"LINE", false},
+        {L"地块", L"地块", true},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(db::wcmatch(c.text, c.pattern), c.match) << "case #" << &c - cases;
@@ -224,6 +231,8 @@ TEST(Wildcards, AcutWcMatchHeedsCase) {
     EXPECT_EQ(acutWcMatch(L"Name", L"N*"), RTNORM);
     EXPECT_EQ(acutWcMatch(L"Name", L"n*"), RTERROR);
     EXPECT_EQ(acutWcMatch(L"Name", L"[n]*"), RTERROR);
+    EXPECT_EQ(acutWcMatch(L"Name", L"name"), RTERROR);
+    EXPECT_EQ(acutWcMatch(L"Name", L"Line,Name"), RTNORM);
     EXPECT_EQ(acutWcMatch(nullptr, L"*"), RTERROR);
     EXPECT_TRUE(db::wcmatch(L"Name", L"n*"));
 }

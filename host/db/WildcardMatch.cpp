@@ -1,5 +1,6 @@
 #include "host/db/WildcardMatch.h"
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -203,14 +204,40 @@ bool matchesNameList(std::wstring_view text, std::wstring_view pattern, bool cas
     }
 }
 
+struct Alternative {
+    bool negate = false;
+    std::vector<Token> tokens;
+};
+
+struct Compiled {
+    std::wstring pattern;
+    std::vector<Alternative> alternatives;
+};
+
+// A selection filter asks the same few patterns of every entity of the drawing: each is
+// tokenized once. A reference stays valid until the next call.
+const Compiled& compiled(std::wstring_view pattern) {
+    thread_local std::vector<Compiled> cache;
+    for (const Compiled& c : cache) {
+        if (c.pattern == pattern) return c;
+    }
+    if (cache.size() >= 16) cache.erase(cache.begin());
+    Compiled c{std::wstring(pattern), {}};
+    for (std::wstring_view alt : alternatives(pattern)) {
+        bool negate = !alt.empty() && alt.front() == L'~';
+        if (negate) alt.remove_prefix(1);
+        c.alternatives.push_back({negate, tokenize(alt)});
+    }
+    cache.push_back(std::move(c));
+    return cache.back();
+}
+
 }  // namespace
 
 bool wcmatch(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
     if (isNameList(pattern)) return matchesNameList(text, pattern, caseSensitive);
-    for (std::wstring_view alt : alternatives(pattern)) {
-        bool negate = !alt.empty() && alt.front() == L'~';
-        if (negate) alt.remove_prefix(1);
-        if (matchTokens(text, tokenize(alt), caseSensitive) != negate) return true;
+    for (const Alternative& alt : compiled(pattern).alternatives) {
+        if (matchTokens(text, alt.tokens, caseSensitive) != alt.negate) return true;
     }
     return false;
 }

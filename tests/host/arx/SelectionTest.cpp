@@ -227,6 +227,21 @@ TEST(Wildcards, FollowTheHostsRules) {
     }
 }
 
+// Patterns are kept tokenized for reuse; more of them than are kept, asked in turns, and
+// the same pattern asked with and without case, still match each as its own.
+TEST(Wildcards, ManyPatternsInTurnKeepTheirOwnMeaning) {
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 40; ++i) {
+            std::wstring number = std::to_wstring(i);
+            std::wstring pattern = L"*x" + number + L",~*";
+            EXPECT_TRUE(db::wcmatch(L"ax" + number, pattern)) << i;
+            EXPECT_FALSE(db::wcmatch(L"ax" + number + L"b", pattern)) << i;
+        }
+    }
+    EXPECT_EQ(acutWcMatch(L"AX1", L"*x1"), RTERROR);
+    EXPECT_TRUE(db::wcmatch(L"AX1", L"*x1"));
+}
+
 TEST(Wildcards, AcutWcMatchHeedsCase) {
     EXPECT_EQ(acutWcMatch(L"Name", L"N*"), RTNORM);
     EXPECT_EQ(acutWcMatch(L"Name", L"n*"), RTERROR);

@@ -373,9 +373,16 @@ bool onFrozenLayer(const AcDbEntity* entity) {
 }
 
 void selectAll(AcDbDatabase* database, Selection& selection) {
-    for (AcDbObjectId block : layoutBlocks(database)) {
-        for (AcDbObjectId id : liveEntities(block)) {
-            if (selection.accepts(arx::peek<AcDbEntity>(id))) selection.add(id);
+    // Each entity is in one block once, so nothing is looked up for repeats: this runs
+    // over the whole drawing at every scan of a command.
+    for (AcDbObjectId blockId : layoutBlocks(database)) {
+        auto* block = arx::peek<AcDbBlockTableRecord>(blockId);
+        if (block == nullptr) continue;
+        for (AcDbObjectId id : block->entityIds()) {
+            if (id.isErased() || !selection.accepts(arx::peek<AcDbEntity>(id))) continue;
+            db::EntityName name{};
+            db::stubToName(id.stub(), name.data());
+            selection.names.push_back(name);
         }
     }
 }

@@ -355,6 +355,12 @@ void addSymbolizeCommand(CLI::App& app, int& exitCode) {
                       "The current-status parcels instead of the planned ones");
     command->add_flag("--no-hatch", args->noHatch, "Only the layers; no fills");
     command->add_flag("--solid", args->solid, "Solid fills in the class colour, no patterns");
+    // Tying a kept fill with FAssociHatch would give up its pattern for a solid fill.
+    command->footer(
+        "A parcel that already has a fill keeps it as it is: a kept fill not tied to its "
+        "outline stays untied (tying it would turn a patterned fill solid), so it does not "
+        "follow edits of the outline.\n\n" +
+        app.get_footer());
     addForceOption(*command, args->force);
     addStandardOptions(*command, args->standard);
     addReadOptions(*command, args->standard.recover, args->standard.codePage);

@@ -122,12 +122,8 @@ int CDKTCInfo::GetData(CStringArray& labels, CStringArray& values) const {
 }
 
 int CDKTCInfo::SetData(const CStringArray& labels, const CStringArray& values) {
-    if (!live(m_id) || labels.GetSize() != values.GetSize()) return 0;
-    int ok = 1;
-    for (INT_PTR i = 0; i < labels.GetSize(); ++i) {
-        if (!SetData(labels[i], values[i])) ok = 0;
-    }
-    return ok;
+    if (!live(m_id)) return 0;
+    return dk::WriteListPairs(m_id, dk::FAPP_DKTC, labels, values);
 }
 
 int CDKTCInfo::GetDkbj(AcDbObjectId& parcel) const {

@@ -35,7 +35,8 @@ class CDKTCInfo {
     int SetData(const wchar_t* label, const wchar_t* value);
     // Every pair of the list in order ("FAPP_DKTC", else "地块填充"); their number.
     int GetData(CStringArray& labels, CStringArray& values) const;
-    // Writes each pair in turn; 0, and nothing written, when the lists differ in length.
+    // Writes the pairs as the one-pair form would in turn, in one write; 0, and nothing
+    // written, when the lists differ in length.
     int SetData(const CStringArray& labels, const CStringArray& values);
 
     // The planned parcel the hatch fills: the first one whose number is the hatch's

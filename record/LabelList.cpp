@@ -37,6 +37,37 @@ int WriteListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label,
     return ok;
 }
 
+int WriteListPairs(AcDbObjectId id, const wchar_t* app, const CStringArray& labels,
+                   const CStringArray& values) {
+    if (!id.isValid() || id.isErased() || labels.GetSize() != values.GetSize()) return 0;
+    resbuf* list = nullptr;
+    kova::dat::ReadObjXdata(id, app, list);
+    resbuf* last = list;
+    while (last != nullptr && last->rbnext != nullptr)
+        last = last->rbnext;
+    int ok = 1;
+    bool changed = false;
+    for (INT_PTR i = 0; i < labels.GetSize(); ++i) {
+        const wchar_t* label = labels[i];
+        if (*label == 0) {
+            ok = 0;
+            continue;
+        }
+        changed = true;
+        if (list != nullptr && kova::dat::SetRbString(list, label, values[i])) continue;
+        resbuf* pair = acutBuildList(1000, label, 1000, static_cast<const wchar_t*>(values[i]), 0);
+        if (list == nullptr) {
+            list = pair;
+        } else {
+            last->rbnext = pair;
+        }
+        last = pair->rbnext;
+    }
+    if (changed && !kova::dat::AddObjXdata(id, app, list)) ok = 0;
+    acutRelRb(list);
+    return ok;
+}
+
 int ReadListPairs(AcDbObjectId id, const wchar_t* app, CStringArray& labels, CStringArray& values) {
     labels.RemoveAll();
     values.RemoveAll();

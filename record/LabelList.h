@@ -13,6 +13,11 @@ int ReadListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label, CSt
 // the pair appended when it is not, the pair as the whole list when there is none. So the
 // list keeps the order in which labels were first written.
 int WriteListValue(AcDbObjectId id, const wchar_t* app, const wchar_t* label, const wchar_t* value);
+// Writes the pairs in order as WriteListValue would one by one (a label written twice
+// keeps the last value), with one read and one write of the xdata. 0 when the arrays
+// differ in length, a label is empty (the other pairs are written) or the write fails.
+int WriteListPairs(AcDbObjectId id, const wchar_t* app, const CStringArray& labels,
+                   const CStringArray& values);
 // Every pair of app's list in order (a trailing label without value gets ""); the number
 // of pairs, 0 when there is no list. Both lists are cleared first.
 int ReadListPairs(AcDbObjectId id, const wchar_t* app, CStringArray& labels, CStringArray& values);

@@ -39,8 +39,11 @@ bool inPaperSpace(const AcDbEntity* entity) {
 
 // The value an entity carries under a group code, as its DXF record would show it.
 GroupValue groupValue(const AcDbEntity* entity, int code) {
-    auto* pline = AcDbPolyline::cast(entity);
-    auto* pline2d = AcDb2dPolyline::cast(entity);
+    // The casts only for the codes that read a polyline: code 0 and 8 are asked of every
+    // entity of a whole-drawing selection.
+    bool polylineCode = code == 70 || code == 38 || code == 39 || code == 43 || code == 90;
+    auto* pline = polylineCode ? AcDbPolyline::cast(entity) : nullptr;
+    auto* pline2d = code == 70 ? AcDb2dPolyline::cast(entity) : nullptr;
     switch (code) {
         case 0:
             // An entity kept as read has the type its file gave it (SOLID, POINT, ...).
@@ -370,9 +373,16 @@ bool onFrozenLayer(const AcDbEntity* entity) {
 }
 
 void selectAll(AcDbDatabase* database, Selection& selection) {
-    for (AcDbObjectId block : layoutBlocks(database)) {
-        for (AcDbObjectId id : liveEntities(block)) {
-            if (selection.accepts(arx::peek<AcDbEntity>(id))) selection.add(id);
+    // Each entity is in one block once, so nothing is looked up for repeats: this runs
+    // over the whole drawing at every scan of a command.
+    for (AcDbObjectId blockId : layoutBlocks(database)) {
+        auto* block = arx::peek<AcDbBlockTableRecord>(blockId);
+        if (block == nullptr) continue;
+        for (AcDbObjectId id : block->entityIds()) {
+            if (id.isErased() || !selection.accepts(arx::peek<AcDbEntity>(id))) continue;
+            db::EntityName name{};
+            db::stubToName(id.stub(), name.data());
+            selection.names.push_back(name);
         }
     }
 }

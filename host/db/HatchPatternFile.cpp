@@ -37,6 +37,10 @@ bool parseNumber(const std::string& text, double& value) {
 struct Settings {
     std::mutex mutex;
     std::string folder;
+    // The searched folder, kept for the environment it was found under: every hatch with a
+    // pattern asks, and the search walks the file system.
+    std::string searchedFor, searched;
+    bool hasSearched = false;
     // Per path: the file once read, or the error it gave.
     std::map<std::string, std::pair<std::unique_ptr<HatchPatternFile>, std::string>> files;
 };
@@ -149,11 +153,21 @@ void setHatchPatternFolder(const std::string& folder) {
 }
 
 std::string hatchPatternFolder() {
-    {
-        std::lock_guard<std::mutex> lock(settings().mutex);
-        if (!settings().folder.empty()) return settings().folder;
+    Settings& s = settings();
+    std::lock_guard<std::mutex> lock(s.mutex);
+    if (!s.folder.empty()) return s.folder;
+    std::string environment;
+    for (const char* name : {"KPLAN_PATTERNS", "KPLAN_DATA"}) {
+        const char* value = std::getenv(name);
+        environment += value ? value : "";
+        environment += '\0';
     }
-    return defaultFolder();
+    if (!s.hasSearched || s.searchedFor != environment) {
+        s.searched = defaultFolder();
+        s.searchedFor = std::move(environment);
+        s.hasSearched = true;
+    }
+    return s.searched;
 }
 
 const HatchPatternFile* hatchPatterns(bool metric, std::string& error) {

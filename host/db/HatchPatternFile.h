@@ -13,7 +13,8 @@
 // environment variable KPLAN_PATTERNS, "patterns" beside the standards root of KPLAN_DATA
 // (the command line's --data does the same), <exe dir>/../share/kplan/patterns,
 // <exe dir>/data/patterns, <exe dir>/../data/patterns and the source tree's data/patterns.
-// Each file is read once and kept.
+// The search runs once per value of those environment variables; each file is read once
+// and kept.
 #include <string>
 #include <string_view>
 #include <vector>

@@ -1,5 +1,6 @@
 #include "host/db/WildcardMatch.h"
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -180,13 +181,63 @@ std::vector<std::wstring_view> alternatives(std::wstring_view p) {
     return parts;
 }
 
-}  // namespace
+// A pattern of plain names (commas between them at most), as selection filters mostly
+// give: compared name by name, without building tokens.
+bool isNameList(std::wstring_view pattern) {
+    return pattern.find_first_of(L"`?#@.*[~") == std::wstring_view::npos;
+}
 
-bool wcmatch(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
+bool sameText(std::wstring_view a, std::wstring_view b, bool caseSensitive) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (fold(a[i], caseSensitive) != fold(b[i], caseSensitive)) return false;
+    }
+    return true;
+}
+
+bool matchesNameList(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
+    for (;;) {
+        std::size_t comma = pattern.find(L',');
+        if (sameText(text, pattern.substr(0, comma), caseSensitive)) return true;
+        if (comma == std::wstring_view::npos) return false;
+        pattern.remove_prefix(comma + 1);
+    }
+}
+
+struct Alternative {
+    bool negate = false;
+    std::vector<Token> tokens;
+};
+
+struct Compiled {
+    std::wstring pattern;
+    std::vector<Alternative> alternatives;
+};
+
+// A selection filter asks the same few patterns of every entity of the drawing: each is
+// tokenized once. A reference stays valid until the next call.
+const Compiled& compiled(std::wstring_view pattern) {
+    thread_local std::vector<Compiled> cache;
+    for (const Compiled& c : cache) {
+        if (c.pattern == pattern) return c;
+    }
+    if (cache.size() >= 16) cache.erase(cache.begin());
+    Compiled c{std::wstring(pattern), {}};
     for (std::wstring_view alt : alternatives(pattern)) {
         bool negate = !alt.empty() && alt.front() == L'~';
         if (negate) alt.remove_prefix(1);
-        if (matchTokens(text, tokenize(alt), caseSensitive) != negate) return true;
+        c.alternatives.push_back({negate, tokenize(alt)});
+    }
+    cache.push_back(std::move(c));
+    return cache.back();
+}
+
+}  // namespace
+
+bool wcmatch(std::wstring_view text, std::wstring_view pattern, bool caseSensitive) {
+    if (isNameList(pattern)) return matchesNameList(text, pattern, caseSensitive);
+    for (const Alternative& alt : compiled(pattern).alternatives) {
+        if (matchTokens(text, alt.tokens, caseSensitive) != alt.negate) return true;
     }
     return false;
 }

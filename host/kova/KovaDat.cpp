@@ -129,10 +129,10 @@ int writeXdata(AcDbObjectId id, const ACHAR* appName, const resbuf* data, bool a
     for (const db::Value& v : added) {
         if (v.code == 1001) return 0;
     }
-    std::vector<xdata::Block> blocks;
-    if (!xdata::readBlocks(id, blocks)) return 0;
     xdata::Block change{appName, {}};
     if (append) {
+        std::vector<xdata::Block> blocks;
+        if (!xdata::readBlocks(id, blocks)) return 0;
         if (const xdata::Block* b = xdata::findBlock(blocks, appName)) change.values = b->values;
     }
     change.values.insert(change.values.end(), added.begin(), added.end());

@@ -1,5 +1,7 @@
 #include "host/kova/XdataBlocks.h"
 
+#include <algorithm>
+
 #include "host/arx/acutads.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
@@ -104,8 +106,12 @@ bool registerApp(AcDbDatabase* database, const std::wstring& app) {
 
 bool writeBlocks(AcDbObjectId id, const std::vector<Block>& changes) {
     if (id.isNull() || id.isErased()) return false;
+    // What the entity carries matters only to a removal; a write of a record per entity
+    // should not copy all of it first.
     std::vector<Block> current;
-    if (!readBlocks(id, current)) return false;
+    bool removes = std::any_of(changes.begin(), changes.end(),
+                               [](const Block& change) { return change.values.empty(); });
+    if (removes ? !readBlocks(id, current) : arx::peek<AcDbObject>(id) == nullptr) return false;
     AcDbDatabase* database = id.database();
     db::ValueList list;
     for (const Block& change : changes) {

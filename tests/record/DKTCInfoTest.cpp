@@ -49,6 +49,21 @@ TEST_F(DKTCInfoTest, TheListNamesTheParcelItFills) {
     EXPECT_EQ(fill.GetDkbj(filled), 1);
     EXPECT_EQ(filled, parcel);
 
+    // The arrays go in as the pairs would one by one: the present label replaced in place,
+    // a new one appended, a label given twice keeping its last value, and an empty label
+    // refused while the others are written.
+    ASSERT_EQ(fill.SetData(strings({L"地块类别", L"备注", L"备注"}), strings({L"R22", L"a", L"b"})),
+              1);
+    EXPECT_EQ(listOf(id, dk::FAPP_DKTC),
+              vec(strings({L"地块编号", L"A-01", L"地块类别", L"R22", L"备注", L"b"})));
+    EXPECT_EQ(fill.SetData(strings({L"", L"备注"}), strings({L"x", L"c"})), 0);
+    EXPECT_EQ(listOf(id, dk::FAPP_DKTC),
+              vec(strings({L"地块编号", L"A-01", L"地块类别", L"R22", L"备注", L"c"})));
+    EXPECT_EQ(fill.SetData(strings({L"备注"}), strings({L"d", L"e"})), 0);
+    EXPECT_EQ(listOf(id, dk::FAPP_DKTC),
+              vec(strings({L"地块编号", L"A-01", L"地块类别", L"R22", L"备注", L"c"})))
+        << "nothing written when the lists differ in length";
+
     // An older hatch record is read too, but not counted by IsDktc.
     AcDbObjectId old = hatch(L"ANSI31");
     writeList(old, dk::APP_DKTC_OLD, {{L"地块编号", L"A-02"}, {L"地块类别", L"B1"}});

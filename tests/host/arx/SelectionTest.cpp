@@ -214,16 +214,40 @@ TEST(Wildcards, FollowTheHostsRules) {
         {L"AB", L"*A*B*", true},
         {L"ABAB", L"*AB", true},
         {L"[X", L"[X", true},
+        // Plain names, compared without tokens: whole names only, case ignored.
+        {L"circle", L"LINE,CIRCLE", true},
+        {L"LINES", L"LINE,CIRCLE", false},
+        {L"CIRCL", L"LINE,CIRCLE", false},
+        {L"", L"LINE,", true},
+        {L"", L"LINE", false},
+        {L"地块", L"地块", true},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(db::wcmatch(c.text, c.pattern), c.match) << "case #" << &c - cases;
     }
 }
 
+// Patterns are kept tokenized for reuse; more of them than are kept, asked in turns, and
+// the same pattern asked with and without case, still match each as its own.
+TEST(Wildcards, ManyPatternsInTurnKeepTheirOwnMeaning) {
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 40; ++i) {
+            std::wstring number = std::to_wstring(i);
+            std::wstring pattern = L"*x" + number + L",~*";
+            EXPECT_TRUE(db::wcmatch(L"ax" + number, pattern)) << i;
+            EXPECT_FALSE(db::wcmatch(L"ax" + number + L"b", pattern)) << i;
+        }
+    }
+    EXPECT_EQ(acutWcMatch(L"AX1", L"*x1"), RTERROR);
+    EXPECT_TRUE(db::wcmatch(L"AX1", L"*x1"));
+}
+
 TEST(Wildcards, AcutWcMatchHeedsCase) {
     EXPECT_EQ(acutWcMatch(L"Name", L"N*"), RTNORM);
     EXPECT_EQ(acutWcMatch(L"Name", L"n*"), RTERROR);
     EXPECT_EQ(acutWcMatch(L"Name", L"[n]*"), RTERROR);
+    EXPECT_EQ(acutWcMatch(L"Name", L"name"), RTERROR);
+    EXPECT_EQ(acutWcMatch(L"Name", L"Line,Name"), RTNORM);
     EXPECT_EQ(acutWcMatch(nullptr, L"*"), RTERROR);
     EXPECT_TRUE(db::wcmatch(L"Name", L"n*"));
 }

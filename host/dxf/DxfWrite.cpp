@@ -537,7 +537,9 @@ void Saver::writeEntityTree(AcDbObjectId id) {
         writeSequence(*pline, pline->vertexIds(), pline->sequenceEndId());
     } else if (auto* reference = AcDbBlockReference::cast(obj)) {
         std::vector<AcDbObjectId> attributes = reference->attributeIds();
-        if (!attributes.empty()) writeSequence(*reference, attributes, reference->sequenceEndId());
+        // A reference read with a SEQEND and no attributes (66 1 alone) keeps its SEQEND.
+        if (!attributes.empty() || live(reference->sequenceEndId()))
+            writeSequence(*reference, attributes, reference->sequenceEndId());
     } else if (const ObjectRecord* record = ctx_.record(obj)) {
         for (AcDbObjectId child : record->children) {
             if (live(child)) writeObject(*arx::peekObject(child));

@@ -54,8 +54,16 @@ void FieldTable::read(AcDbObject& obj, const TagView* begin, const TagView* end,
     std::vector<Taken> taken;
     int current = -1;
     bool inUnknown = false;
+    // From "101 Embedded Object" on, the tags are another object's (an ATTDEF's or MTEXT's
+    // text), whose codes the fields must not take: kept as read.
+    bool embedded = false;
     int anchor = -1;
     for (const TagView* t = begin; t < end; ++t) {
+        if (t->code == 101) embedded = true;
+        if (embedded) {
+            ctx.keep(record, kTail, *t);
+            continue;
+        }
         if (t->code == 100 && !flat) {
             inUnknown = true;
             for (std::size_t s = static_cast<std::size_t>(current + 1); s < subclasses_.size();

@@ -130,6 +130,79 @@ TEST(DxfLosslessTest, EntityTagsOfAPolylineAreWrittenOnce) {
     EXPECT_EQ(count(subclassOf(out, "AcDbPolyline"), 440), 0);
 }
 
+// An ATTDEF's embedded text object ("101 Embedded Object" and what follows, as AutoCAD
+// writes multi-line attributes) is the embedded object's: its 73 is no field length of
+// the ATTDEF. An INSERT that says attributes follow (66 1) but has none keeps its SEQEND,
+// or readers take the next entity for one of its attributes.
+TEST(DxfLosslessTest, EmbeddedObjectsAndEmptyAttributeRunsStayAsRead) {
+    Tags block = {{0, "BLOCK"}, {5, "B1"},         {8, "0"},   {2, "B"},
+                  {70, "2"},    {10, "0"},         {20, "0"},  {30, "0"},
+                  {3, "B"},     {0, "ATTDEF"},     {5, "A1"},  {100, "AcDbEntity"},
+                  {8, "0"},     {100, "AcDbText"}, {10, "1"},  {20, "2"},
+                  {30, "0"},    {40, "1"},         {1, ""},    {100, "AcDbAttributeDefinition"},
+                  {280, "0"},   {3, "prompt"},     {2, "TAG"}, {70, "0"},
+                  {74, "3"}};
+    Tags embedded = {{101, "Embedded Object"},
+                     {10, "1"},
+                     {20, "2"},
+                     {30, "0"},
+                     {40, "1"},
+                     {71, "1"},
+                     {72, "5"},
+                     {1, ""},
+                     {73, "1"},
+                     {44, "1.0"}};
+    block.insert(block.end(), embedded.begin(), embedded.end());
+    block.insert(block.end(), {{0, "ENDBLK"}, {5, "B2"}, {8, "0"}});
+    Tags insert = {{0, "INSERT"},
+                   {5, "C1"},
+                   {100, "AcDbEntity"},
+                   {8, "0"},
+                   {100, "AcDbBlockReference"},
+                   {66, "1"},
+                   {2, "B"},
+                   {10, "5"},
+                   {20, "6"},
+                   {30, "0"},
+                   {0, "SEQEND"},
+                   {5, "C2"},
+                   {100, "AcDbEntity"},
+                   {8, "0"},
+                   {0, "LINE"},
+                   {5, "C3"},
+                   {100, "AcDbEntity"},
+                   {8, "0"},
+                   {100, "AcDbLine"},
+                   {10, "0"},
+                   {20, "0"},
+                   {30, "0"},
+                   {11, "1"},
+                   {21, "1"},
+                   {31, "0"}};
+    std::string saved;
+    Tags out = roundTrip(join({section("BLOCKS", block), section("ENTITIES", insert)}), saved);
+    ASSERT_FALSE(out.empty()) << saved;
+
+    Tags attdef = recordOf(out, "A1");
+    ASSERT_FALSE(attdef.empty()) << saved;
+    auto at = std::find(attdef.begin(), attdef.end(), embedded.front());
+    ASSERT_NE(at, attdef.end()) << saved;
+    Tags before(attdef.begin(), at), after(at, attdef.end());
+    EXPECT_EQ(count(before, 73), 0) << saved;
+    EXPECT_EQ(count(before, 44), 0);
+    EXPECT_EQ(after, embedded);
+
+    Tags seqend = recordOf(out, "C2");
+    ASSERT_FALSE(seqend.empty()) << saved;
+    EXPECT_EQ(seqend.front(), (std::pair<int, std::string>{0, "SEQEND"}));
+    std::string error;
+    auto again = dxftest::loadText(saved, error);
+    ASSERT_TRUE(again) << error;
+    auto* space = arx::peek<AcDbBlockTableRecord>(again->modelSpaceId());
+    ASSERT_NE(space, nullptr);
+    EXPECT_EQ(space->entityIds().size(), 2u);
+}
+
 // Files with only ENTITIES, or ENTITIES before BLOCKS, are written in the order readers
 // expect, and read back with all their entities.
 TEST(DxfLosslessTest, EntitiesBeforeBlocksAreWrittenAfterThem) {

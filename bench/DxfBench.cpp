@@ -1,4 +1,5 @@
-// Reading and writing a drawing of 100,000 parcels: kplan against a floor (reading the
+// Reading and writing a drawing of 100,000 parcels (the benchmarks' drawing, see
+// StatsDrawing.h, with its boundary): kplan against a floor (reading the
 // file and splitting it into tags, nothing more), dxflib and ezdxf. Each measurement runs
 // in a child process, so that its peak memory is its own.
 //
@@ -26,12 +27,13 @@
 #include <string>
 #include <vector>
 
-#include "bench/ParcelDrawing.h"
+#include "bench/KplanProcess.h"
+#include "bench/StatsDrawing.h"
 #include "host/dxf/Dxf.h"
 
 namespace {
 
-std::string drawing = "parcels_100k.dxf";
+std::string drawing;  // default: <shape>_100k.dxf
 int parcels = 100000;
 bool skipEzdxf = false;
 
@@ -46,28 +48,10 @@ double now() {
         .count();
 }
 
-// Runs task in a child; the child reports its own seconds, the parent its peak memory.
+// Runs task in a child, so that its peak memory is its own.
 Result inChild(const std::function<double()>& task) {
-    int fds[2];
-    if (::pipe(fds) != 0) return {};
-    pid_t pid = ::fork();
-    if (pid == 0) {
-        ::close(fds[0]);
-        double seconds = task();
-        if (::write(fds[1], &seconds, sizeof seconds) != sizeof seconds) _exit(2);
-        _exit(seconds < 0 ? 1 : 0);
-    }
-    ::close(fds[1]);
-    Result r;
-    double seconds = -1;
-    if (::read(fds[0], &seconds, sizeof seconds) != sizeof seconds) seconds = -1;
-    ::close(fds[0]);
-    int status = 0;
-    struct rusage usage;
-    ::wait4(pid, &status, 0, &usage);
-    r.seconds = seconds;
-    r.peakMB = usage.ru_maxrss / 1024.0;
-    return r;
+    bench::Run run = bench::runInChild(task);
+    return {run.status == 0 ? run.seconds : -1, run.peakKiB / 1024.0};
 }
 
 // A drawing shaped as other programs write them: AC1015 without $DWGCODEPAGE (Western
@@ -132,43 +116,8 @@ bool makeForeignDrawing(const std::string& path, int count) {
     return std::fclose(f) == 0;
 }
 
-// The least any reader does: the file read, each line split off, group codes parsed.
 double floorReadOf(const std::string& path) {
-    double start = now();
-    std::FILE* f = std::fopen(path.c_str(), "rb");
-    if (!f) return -1;
-    std::vector<char> buffer(1 << 20);
-    std::string carry;
-    long tags = 0, codeSum = 0;
-    bool code = true;
-    std::size_t got;
-    while ((got = std::fread(buffer.data(), 1, buffer.size(), f)) > 0) {
-        const char* p = buffer.data();
-        const char* end = p + got;
-        while (p < end) {
-            const char* nl = static_cast<const char*>(std::memchr(p, '\n', end - p));
-            if (!nl) {
-                carry.append(p, end);
-                break;
-            }
-            std::string_view line(p, nl - p);
-            if (!carry.empty()) {
-                carry.append(p, nl);
-                line = carry;
-            }
-            if (code) {
-                codeSum += std::atoi(std::string(line).c_str());
-            } else {
-                ++tags;
-            }
-            code = !code;
-            carry.clear();
-            p = nl + 1;
-        }
-    }
-    std::fclose(f);
-    benchmark::DoNotOptimize(codeSum);
-    return tags > 0 ? now() - start : -1;
+    return bench::readAndSplit(path);
 }
 
 double floorRead() {
@@ -341,12 +290,17 @@ int main(int argc, char** argv) {
             rest.push_back(argv[i]);
         }
     }
+    if (drawing.empty()) {
+        drawing = std::string(bench::shapeName(bench::defaultShape())) + "_" +
+                  std::to_string(parcels / 1000) + "k.dxf";
+    }
     if (!std::filesystem::exists(drawing)) {
         std::fprintf(stderr, "making %s (%d parcels)...\n", drawing.c_str(), parcels);
         // In a child, so that the measurements do not inherit the drawing's memory.
         Result made = inChild([] {
             std::string error;
-            if (bench::makeParcelDrawing(drawing, parcels, error)) return 0.0;
+            bench::StatsDrawing d = bench::makeStatsDrawing(parcels, true);
+            if (dxf::save(*d.document->database(), drawing, error)) return 0.0;
             std::fprintf(stderr, "%s\n", error.c_str());
             return -1.0;
         });

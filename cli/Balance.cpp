@@ -49,11 +49,10 @@ bool isScopeLine(AcDbObjectId id) {
     if (AcDbPolyline::cast(curve) == nullptr && AcDb2dPolyline::cast(curve) == nullptr)
         return false;
     bool scope = false;
-    curve->withXdata([&](const db::ValueList& values) {
-        scope = std::any_of(values.begin(), values.end(), [](const db::Value& v) {
-            // Application names are compared ignoring case, as the host does.
-            return v.code == 1001 && v.text() && arx::foldCase(v.text()->c_str()) == dk::FAPP_GHFWX;
-        });
+    curve->forEachXdataApp([&](const std::wstring& app) {
+        // Application names are compared ignoring case, as the host does.
+        scope = arx::foldCase(app.c_str()) == dk::FAPP_GHFWX;
+        return !scope;
     });
     return scope;
 }

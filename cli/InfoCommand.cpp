@@ -95,10 +95,12 @@ int runInfo(const InfoArgs& args) {
     for (const db::Stub& stub : database->stubs()) {
         auto* obj = static_cast<const AcDbObject*>(stub.object.get());
         if (obj == nullptr || stub.erased) continue;
+        // Names only: expanding every record would take several times the file's memory.
         std::map<std::wstring, bool> apps;
-        for (const db::Value& v : obj->xdataValues()) {
-            if (v.code == 1001 && v.text()) apps[*v.text()] = true;
-        }
+        obj->forEachXdataApp([&](const std::wstring& app) {
+            apps[app] = true;
+            return true;
+        });
         for (const auto& app : apps)
             ++applications[utf8(app.first)];
     }

@@ -273,13 +273,9 @@ bool compareNumbers(double have, Op op, double want) {
 
 bool hasXdataOf(const AcDbEntity* entity, const std::wstring& pattern) {
     bool found = false;
-    entity->withXdata([&](const db::ValueList& values) {
-        for (const db::Value& v : values) {
-            if (v.code == 1001 && v.text() && db::wcmatch(*v.text(), pattern)) {
-                found = true;
-                return;
-            }
-        }
+    entity->forEachXdataApp([&](const std::wstring& app) {
+        found = db::wcmatch(app, pattern);
+        return !found;
     });
     return found;
 }
@@ -298,9 +294,7 @@ bool evaluate(const Node& node, const AcDbEntity* entity) {
             return !evaluate(node.children[0], entity);
         case Node::Type::Xdata:
             if (node.apps.empty()) {
-                bool any = false;
-                entity->withXdata([&](const db::ValueList& values) { any = !values.empty(); });
-                return any;
+                return entity->hasXdata();
             }
             // Each named application must be there; one name may offer alternatives.
             return std::all_of(node.apps.begin(), node.apps.end(),

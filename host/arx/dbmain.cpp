@@ -11,6 +11,8 @@
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/db/Leaks.h"
+#include "host/db/PackedXdata.h"
+#include "host/db/TextCodec.h"
 
 ACRX_DEFINE_MEMBERS(AcDbObject, AcRxObject, L"")
 ACRX_DEFINE_MEMBERS(AcDbEntity, AcDbObject, L"")
@@ -371,6 +373,21 @@ void AcDbObject::withXdata(const std::function<void(const db::ValueList&)>& use)
         s.serial = packedSerial_;
     }
     use(s.values);
+}
+
+void AcDbObject::forEachXdataApp(const std::function<bool(const std::wstring& app)>& use) const {
+    if (packedXdata_.empty()) {
+        for (const db::Value& v : xdata_) {
+            if (v.code == 1001 && v.text() && !use(*v.text())) return;
+        }
+        return;
+    }
+    std::wstring name;
+    db::forEachPacked(packedXdata_, [&](int code, std::string_view text) {
+        if (code != 1001) return true;
+        db::utf8ToWide(text, name);
+        return use(name);
+    });
 }
 
 resbuf* AcDbObject::xData(const ACHAR* appName) const {

@@ -97,6 +97,11 @@ class AcDbObject : public AcRxObject {
     }
     // The same with scratch lists of the host's own, one per depth of nesting.
     void withXdata(const std::function<void(const db::ValueList&)>& use) const;
+    // The applications the xdata names (its 1001 items) in stored order, each shown to
+    // use until it returns false; xdata still in the loader's compact form is decoded no
+    // further than the names.
+    void forEachXdataApp(const std::function<bool(const std::wstring& app)>& use) const;
+    bool hasXdata() const { return !packedXdata_.empty() || !xdata_.empty(); }
     // For loaders that bring xdata in unchecked (the application table may come later).
     void restoreXdataValues(db::ValueList values) {
         xdata_ = std::move(values);

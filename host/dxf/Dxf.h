@@ -60,6 +60,11 @@ bool save(const AcDbDatabase& database, const std::string& path, std::string& er
 bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
            const SaveOptions& options = {});
 
+// Keeps the object's xdata in the loader's compact form until it is next used, as a
+// loaded drawing keeps it, so that a drawing of many records made in memory costs what
+// the same drawing loaded does. Xdata that names objects (1005) stays as it is; false then.
+bool compactXdata(AcDbObject& object);
+
 // What the file said about itself, and the header variables kplan uses.
 struct DrawingInfo {
     std::string version;   // as read; AC1024 for a drawing made here

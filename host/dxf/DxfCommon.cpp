@@ -5,6 +5,7 @@
 #include "host/arx/peek.h"
 #include "host/db/GroupCode.h"
 #include "host/db/TextCodec.h"
+#include "host/dxf/Dxf.h"
 #include "host/dxf/DxfModel.h"
 #include "host/dxf/FieldTable.h"
 
@@ -299,6 +300,30 @@ void unpackXdata(const std::string& packed, db::ValueList& values) {
         }
     });
     values.resize(used);
+}
+
+bool compactXdata(AcDbObject& object) {
+    if (object.packedXdata() != nullptr) return true;
+    const db::ValueList& values = object.xdataValues();
+    if (values.empty()) return true;
+    std::string packed;
+    auto put = [&](int code, std::string_view text) { db::appendPacked(packed, code, text); };
+    for (const db::Value& v : values) {
+        if (const auto* text = std::get_if<std::wstring>(&v.data)) {
+            put(v.code, db::wideToUtf8(*text));
+        } else if (const auto* d = std::get_if<double>(&v.data)) {
+            put(v.code, formatReal(*d));
+        } else if (const auto* p = std::get_if<db::Point>(&v.data)) {
+            for (int k = 0; k < 3; ++k)
+                put(v.code + 10 * k, formatReal((*p)[k]));
+        } else if (const auto* i = std::get_if<std::int64_t>(&v.data)) {
+            put(v.code, std::to_string(*i));
+        } else {
+            return false;  // object references and binary chunks stay unpacked
+        }
+    }
+    object.restorePackedXdata(std::move(packed), &unpackXdata);
+    return true;
 }
 
 void writePackedXdata(WriteContext& ctx, const std::string& packed) {

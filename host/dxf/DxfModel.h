@@ -9,6 +9,7 @@
 
 #include "host/arx/dbmain.h"
 #include "host/arx/dbunknown.h"
+#include "host/db/PackedXdata.h"
 #include "host/dxf/Dxf.h"
 #include "host/dxf/DxfStrings.h"
 #include "host/dxf/TagReader.h"
@@ -230,25 +231,6 @@ std::string packXdata(ReadContext& ctx, std::span<const TagView> tags);
 void unpackXdata(const std::string& packed, db::ValueList& values);
 void writePackedXdata(WriteContext& ctx, const std::string& packed);
 // Calls f(code, text) for each packed tag.
-template <typename F>
-void forEachPacked(const std::string& packed, F f) {
-    std::size_t i = 0, n = packed.size();
-    while (i + 2 < n) {
-        int code = static_cast<std::int16_t>(static_cast<unsigned char>(packed[i]) |
-                                             (static_cast<unsigned char>(packed[i + 1]) << 8));
-        i += 2;
-        std::size_t length = 0;
-        int shift = 0;
-        while (i < n) {
-            unsigned char b = static_cast<unsigned char>(packed[i++]);
-            length |= static_cast<std::size_t>(b & 0x7F) << shift;
-            shift += 7;
-            if (!(b & 0x80)) break;
-        }
-        if (length > n - i) return;
-        f(code, std::string_view(packed.data() + i, length));
-        i += length;
-    }
-}
+using db::forEachPacked;
 
 }  // namespace dxf

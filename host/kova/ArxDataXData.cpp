@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/arx/peek.h"
+#include "host/db/TextCodec.h"
 #include "host/kova/XdataBlocks.h"
 
 namespace ARX_DATA {
@@ -18,6 +19,22 @@ std::wstring str(const ACHAR* text) {
 
 bool beginsWithFapp(const std::wstring& name) {
     return name.rfind(L"FAPP_", 0) == 0;
+}
+
+// Application names as the host compares them: ASCII letters folded, in UTF-8 as packed
+// xdata holds them.
+std::string foldedUtf8(const ACHAR* name) {
+    return db::wideToUtf8(arx::foldCase(name));
+}
+
+bool sameApp(std::string_view packedName, const std::string& folded) {
+    if (packedName.size() != folded.size()) return false;
+    for (std::size_t i = 0; i < folded.size(); ++i) {
+        char c = packedName[i];
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+        if (c != folded[i]) return false;
+    }
+    return true;
 }
 
 bool isEntCode(const std::wstring& app) {
@@ -146,25 +163,42 @@ int listFields(AcDbObjectId id, CStringArray& appNames, CStringArray& fields,
 
 int CFSimpleXData::GetAllAppNames(AcDbObjectId id, CStringArray& names) {
     names.RemoveAll();
-    bool read = kova::xdata::forEachBlock(id, [&](const std::wstring& app, auto) {
-        names.Add(CString(app));
-        return true;
-    });
+    bool read = kova::xdata::forEachBlock(
+        id,
+        [&](const std::wstring& app, auto) {
+            names.Add(CString(app));
+            return true;
+        },
+        [&](std::string_view app, auto) {
+            names.Add(CString(db::utf8ToWide(app)));
+            return true;
+        });
     return read ? static_cast<int>(names.GetSize()) : 0;
 }
 
 int CFSimpleXData::GetFrom(AcDbObjectId id, const ACHAR* appName, CString& value) {
     if (str(appName).empty()) return 0;
     std::wstring key = arx::foldCase(appName);
+    std::string packedKey = foldedUtf8(appName);
     bool found = false;
-    kova::xdata::forEachBlock(id, [&](const std::wstring& app, std::span<const db::Value> values) {
-        if (arx::foldCase(app.c_str()) != key) return true;
-        std::wstring head;
-        kova::xdata::headOf(values, head);
-        value = CString(head);
-        found = true;
-        return false;
-    });
+    kova::xdata::forEachBlock(
+        id,
+        [&](const std::wstring& app, std::span<const db::Value> values) {
+            if (arx::foldCase(app.c_str()) != key) return true;
+            std::wstring head;
+            kova::xdata::headOf(values, head);
+            value = CString(head);
+            found = true;
+            return false;
+        },
+        [&](std::string_view app, std::span<const kova::xdata::PackedItem> items) {
+            if (!sameApp(app, packedKey)) return true;
+            std::string_view head;
+            kova::xdata::headOf(items, head);
+            value = CString(db::utf8ToWide(head));
+            found = true;
+            return false;
+        });
     return found ? 1 : 0;
 }
 
@@ -194,15 +228,26 @@ int CFGisXData::GetFrom(AcDbObjectId id, const ACHAR* field, CString& value) {
 int CFGisXData::GetFrom(AcDbObjectId id, const ACHAR* field, CString& value, CString& appName) {
     std::wstring key = str(field);
     if (key.empty()) return 0;
+    std::string packedKey = db::wideToUtf8(key);
     bool found = false;
-    kova::xdata::forEachBlock(id, [&](const std::wstring& app, std::span<const db::Value> values) {
-        const std::wstring* text = kova::xdata::findField(values, key);
-        if (text == nullptr) return true;
-        value = CString(*text);
-        appName = CString(app);
-        found = true;
-        return false;
-    });
+    kova::xdata::forEachBlock(
+        id,
+        [&](const std::wstring& app, std::span<const db::Value> values) {
+            const std::wstring* text = kova::xdata::findField(values, key);
+            if (text == nullptr) return true;
+            value = CString(*text);
+            appName = CString(app);
+            found = true;
+            return false;
+        },
+        [&](std::string_view app, std::span<const kova::xdata::PackedItem> items) {
+            std::string_view text;
+            if (!kova::xdata::findField(items, packedKey, text)) return true;
+            value = CString(db::utf8ToWide(text));
+            appName = CString(db::utf8ToWide(app));
+            found = true;
+            return false;
+        });
     return found ? 1 : 0;
 }
 

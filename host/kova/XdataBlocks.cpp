@@ -5,6 +5,7 @@
 #include "host/arx/acutads.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/PackedXdata.h"
 
 namespace kova::xdata {
 
@@ -45,9 +46,49 @@ bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks) {
 bool forEachBlock(
     AcDbObjectId id,
     const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use) {
+    return forEachBlock(id, use, nullptr);
+}
+
+namespace {
+
+// Shows the packed blocks; the items of a block are gathered in a list that the thread
+// keeps, taken for the walk so that a use reading another entity gets a list of its own.
+void walkPacked(std::string_view packed, const PackedUse& use) {
+    thread_local std::vector<PackedItem> kept;
+    std::vector<PackedItem> items;
+    items.swap(kept);
+    items.clear();
+    std::string_view app;
+    bool inBlock = false, going = true;
+    db::forEachPacked(packed, [&](int code, std::string_view text) {
+        if (code == 1001) {
+            if (inBlock && !use(app, items)) return going = false;
+            app = text;
+            inBlock = true;
+            items.clear();
+        } else if (inBlock) {
+            items.push_back({code, text});
+        }
+        return true;
+    });
+    if (going && inBlock) use(app, items);
+    items.swap(kept);
+}
+
+}  // namespace
+
+bool forEachBlock(
+    AcDbObjectId id,
+    const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use,
+    const PackedUse& packedUse) {
     if (id.isNull() || id.isErased()) return false;
     AcDbObject* obj = nullptr;
     if (acdbOpenObject(obj, id, AcDb::kForRead) != Acad::eOk) return false;
+    if (const std::string* packed = packedUse ? obj->packedXdata() : nullptr) {
+        walkPacked(*packed, packedUse);
+        obj->close();
+        return true;
+    }
     obj->withXdata([&](const db::ValueList& all) {
         static const std::wstring kNoName;
         std::size_t n = all.size(), i = 0;
@@ -165,6 +206,29 @@ const std::wstring* findField(std::span<const db::Value> values, std::wstring_vi
     return found;
 }
 
+bool findField(std::span<const PackedItem> items, std::string_view key, std::string_view& value) {
+    auto isText = [&](std::size_t i) { return items[i].code == 1000; };
+    auto isBraceAt = [&](std::size_t i, std::string_view brace) {
+        return items[i].code == 1002 && items[i].text == brace;
+    };
+    bool found = false;
+    std::string_view text;
+    std::size_t i = 0, n = items.size();
+    if (i < n && isText(i)) ++i;
+    if (i >= n || !isBraceAt(i, "{")) return false;
+    ++i;
+    while (i + 1 < n && isText(i) && isText(i + 1)) {
+        if (!found && items[i].text == key) {
+            text = items[i + 1].text;
+            found = true;
+        }
+        i += 2;
+    }
+    if (!found || i >= n || !isBraceAt(i, "}") || i + 1 != n) return false;
+    value = text;
+    return true;
+}
+
 bool parseRecord(std::span<const db::Value> values, Record& record) {
     Record parsed;
     std::size_t i = 0, n = values.size();
@@ -203,6 +267,21 @@ bool headOf(std::span<const db::Value> values, std::wstring& head) {
             --depth;
         } else if (depth == 0 && isString(v, 1000)) {
             head = textOf(v);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool headOf(std::span<const PackedItem> items, std::string_view& head) {
+    int depth = 0;
+    for (const PackedItem& item : items) {
+        if (item.code == 1002 && item.text == "{") {
+            ++depth;
+        } else if (item.code == 1002 && item.text == "}") {
+            --depth;
+        } else if (depth == 0 && item.code == 1000) {
+            head = item.text;
             return true;
         }
     }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,21 @@ bool readBlocks(AcDbObjectId id, std::vector<Block>& blocks);
 bool forEachBlock(
     AcDbObjectId id,
     const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use);
+
+// One item of xdata still in the loader's compact form: its code and its text in UTF-8.
+struct PackedItem {
+    int code = 0;
+    std::string_view text;
+};
+using PackedUse = std::function<bool(std::string_view app, std::span<const PackedItem> items)>;
+
+// As above, but xdata still in the loader's compact form goes to packedUse instead, shown
+// in place on the packed bytes (names and texts in UTF-8): a reader of one field then
+// decodes that field and nothing else. With packedUse null, use sees every form.
+bool forEachBlock(
+    AcDbObjectId id,
+    const std::function<bool(const std::wstring& app, std::span<const db::Value> values)>& use,
+    const PackedUse& packedUse);
 
 // The block of an application, names compared ignoring ASCII case as the host does.
 const Block* findBlock(const std::vector<Block>& blocks, const std::wstring& app);
@@ -59,11 +75,14 @@ bool parseRecord(std::span<const db::Value> values, Record& record);
 // The value of the first field with the key when the values are a GIS record, as
 // parseRecord and Record::find would find it; null otherwise. Valid while values are.
 const std::wstring* findField(std::span<const db::Value> values, std::wstring_view key);
+// The same on packed items: the value's UTF-8 text, found as findField finds it.
+bool findField(std::span<const PackedItem> items, std::string_view key, std::string_view& value);
 db::ValueList recordValues(const Record& record);
 
 // The first group-1000 string outside any brace group: the value of a simple item and
 // the head of a GIS record.
 bool headOf(std::span<const db::Value> values, std::wstring& head);
+bool headOf(std::span<const PackedItem> items, std::string_view& head);
 
 // A block that is one string and nothing else: what a simple item looks like.
 bool isSimpleItem(std::span<const db::Value> values);

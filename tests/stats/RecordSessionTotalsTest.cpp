@@ -1,7 +1,13 @@
 // Within a record session every total, the tabulation and the population answer exactly
 // as they do without one, on drawings of every record generation, with islands, entered
-// areas, a boundary crossing parcels and codes each total treats apart.
+// areas, a boundary crossing parcels and codes each total treats apart; and so they do
+// with the records still in the loader's compact form, where a field is read on the packed
+// bytes.
 #include <vector>
+
+#include "host/arx/dbapserv.h"
+#include "host/arx/dbsymtb.h"
+#include "host/dxf/Dxf.h"
 
 #include "record/DKBJInfo.h"
 #include "record/RecordSession.h"
@@ -81,7 +87,10 @@ class RecordSessionTotalsTest : public StatsTest {
         islands(r, {rect(0, 20, 10, 30)});
         planned(rect(50, 10, 90, 40), {{dk::FS_DKXZ, L" r22 "}, {dk::FN_ZRKS, L"35.9"}});
         planned(rect(10, 60, 40, 90), {{dk::FS_DKXZ, L"H14"}});
-        planned(rect(50, 60, 90, 90), {{dk::FS_DKXZ, L"E13"}, {dk::FS_BZ, L"水域"}});
+        planned(rect(50, 60, 90, 90), {{dk::FS_DKXZ, L"E13"},
+                                       {dk::FS_XZMC, L"坑塘沟渠"},
+                                       {dk::FS_BZ, L"水域，规划保留"},
+                                       {dk::FS_CQ, L"区水务局"}});
         planned(rect(90, 90, 120, 120), {{dk::FS_DKXZ, L"H1"}});
         planned(rect(200, 0, 250, 50), {{dk::FS_DKXZ, L"E2"}});
         planned(rect(60, 45, 70, 55));  // no class
@@ -96,6 +105,26 @@ class RecordSessionTotalsTest : public StatsTest {
         return boundary;
     }
 };
+
+// Every entity's xdata in the loader's compact form (packed), or decoded to values.
+void packAll(bool packed) {
+    AcDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(acdbOpenObject(space, acdbCurDwg()->modelSpaceId(), AcDb::kForRead), Acad::eOk);
+    AcDbBlockTableRecordIterator* it = nullptr;
+    space->newIterator(it);
+    for (; !it->done(); it->step()) {
+        AcDbEntity* entity = nullptr;
+        ASSERT_EQ(it->getEntity(entity, AcDb::kForWrite), Acad::eOk);
+        if (packed) {
+            dxf::compactXdata(*entity);
+        } else {
+            entity->xdataValues();
+        }
+        entity->close();
+    }
+    delete it;
+    space->close();
+}
 
 TEST_F(RecordSessionTotalsTest, EveryTotalAnswersAsWithoutASession) {
     struct Case {
@@ -123,6 +152,21 @@ TEST_F(RecordSessionTotalsTest, EveryTotalAnswersAsWithoutASession) {
             EXPECT_EQ(answer(boundary, older), alone);  // the second time from the kept reads
         }
         EXPECT_EQ(answer(boundary, older), alone);
+        // Packed, as loaded: fields are found on the packed bytes, with and without a
+        // session, and nothing is decoded for good.
+        packAll(true);
+        EXPECT_EQ(answer(boundary, older), alone);
+        {
+            stats::ClipSession clips;
+            dk::RecordSession records;
+            EXPECT_EQ(answer(boundary, older), alone);
+            EXPECT_EQ(answer(boundary, older), alone);
+        }
+        AcDbEntity* parcel = nullptr;
+        ASSERT_EQ(acdbOpenAcDbEntity(parcel, older[0], AcDb::kForRead), Acad::eOk);
+        EXPECT_NE(parcel->packedXdata(), nullptr);
+        parcel->close();
+        packAll(false);
     }
 }
 

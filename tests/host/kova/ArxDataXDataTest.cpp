@@ -6,6 +6,8 @@
 
 #include "host/arx/acutads.h"
 #include "host/arx/dbsymtb.h"
+#include "host/db/PackedXdata.h"
+#include "host/db/TextCodec.h"
 #include "host/kova/ArxDataXData.h"
 #include "tests/support/KplanTest.h"
 
@@ -399,3 +401,106 @@ TEST_F(XDataTest, OversizedRecordIsRefusedAndOldDataKept) {
 }
 
 }  // namespace
+
+namespace {
+
+// What a loader does with xdata it keeps packed, for strings (all GIS records hold).
+void unpackStrings(const std::string& packed, db::ValueList& values) {
+    values.clear();
+    db::forEachPacked(packed, [&](int code, std::string_view text) {
+        values.push_back(db::Value::string(code, db::utf8ToWide(text)));
+    });
+}
+
+void pack(AcDbObjectId id, const Items& items) {
+    std::string packed;
+    for (const auto& [code, text] : items)
+        db::appendPacked(packed, code, db::wideToUtf8(text));
+    AcDbObject* obj = nullptr;
+    ASSERT_EQ(acdbOpenObject(obj, id, AcDb::kForWrite), Acad::eOk);
+    obj->restorePackedXdata(packed, &unpackStrings);
+    obj->close();
+}
+
+struct Reads {
+    std::vector<std::pair<int, std::wstring>> fields;  // result and value per field asked
+    std::vector<std::pair<int, std::wstring>> heads;   // result and head per application
+    std::vector<std::wstring> apps;
+    bool operator==(const Reads&) const = default;
+};
+
+Reads readAll(AcDbObjectId id) {
+    Reads r;
+    for (const ACHAR* field : {L"FS_DKBH", L"FS_DKXZ", L"FS_BZ", L"FD_YDMJ", L"地块编号", L""}) {
+        CString value = L"-", app = L"-";
+        int found = CFGisXData::GetFrom(id, field, value, app);
+        r.fields.emplace_back(found, value.wstr() + L"|" + app.wstr());
+    }
+    for (const ACHAR* app : {L"FAPP_GHDK", L"fapp_xzdk", L"地块边界", L"OTHER"}) {
+        CString head = L"-";
+        r.heads.emplace_back(CFSimpleXData::GetFrom(id, app, head), head.wstr());
+    }
+    CStringArray apps;
+    CFSimpleXData::GetAllAppNames(id, apps);
+    r.apps = strings(apps);
+    return r;
+}
+
+}  // namespace
+
+// A field read on xdata the loader keeps packed finds what the decoded xdata gives, and
+// leaves the rest packed.
+TEST_F(XDataTest, PackedXdataReadsAsDecoded) {
+    const Items kRecord = {
+        {1001, L"FAPP_GHDK"}, {1000, L"控规地块"},   {1002, L"{"},
+        {1000, L"FS_DKBH"},   {1000, L"城南-12"},    {1000, L"FS_DKXZ"},
+        {1000, L"R2"},        {1000, L"FS_BZ"},      {1000, L"规划保留，含幼儿园"},
+        {1000, L"FS_DKBH"},   {1000, L"second one"}, {1002, L"}"}};
+    struct Case {
+        const char* name;
+        Items items;
+    };
+    std::vector<Case> cases = {
+        {"one record", kRecord},
+        {"a marker then a record",
+         [&] {
+             Items items = {{1001, L"FAPP_XZDK"}, {1000, L"现状地块="}};
+             items.insert(items.end(), kRecord.begin(), kRecord.end());
+             return items;
+         }()},
+        {"a label list and a record with a Chinese key",
+         {{1001, L"地块边界"},
+          {1000, L"地块编号"},
+          {1000, L"A1"},
+          {1001, L"OTHER"},
+          {1000, L"head"},
+          {1002, L"{"},
+          {1000, L"地块编号"},
+          {1000, L"甲-1"},
+          {1002, L"}"}}},
+        {"a broken record: a key without a value",
+         {{1001, L"FAPP_GHDK"}, {1002, L"{"}, {1000, L"FS_DKBH"}, {1002, L"}"}}},
+        {"something after the record",
+         {{1001, L"FAPP_GHDK"},
+          {1002, L"{"},
+          {1000, L"FS_DKBH"},
+          {1000, L"x"},
+          {1002, L"}"},
+          {1000, L"tail"}}},
+        {"no braces", {{1001, L"FAPP_GHDK"}, {1000, L"FS_DKBH"}, {1000, L"x"}}},
+        {"an empty value",
+         {{1001, L"FAPP_GHDK"}, {1002, L"{"}, {1000, L"FS_BZ"}, {1000, L""}, {1002, L"}"}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        AcDbObjectId id = addRectangle(0, 0, 10, 10);
+        writeRaw(id, c.items);
+        Reads decoded = readAll(id);
+        pack(id, c.items);
+        EXPECT_EQ(readAll(id), decoded);
+        AcDbObject* obj = nullptr;
+        ASSERT_EQ(acdbOpenObject(obj, id, AcDb::kForRead), Acad::eOk);
+        EXPECT_NE(obj->packedXdata(), nullptr) << "reading fields decodes nothing for good";
+        obj->close();
+    }
+}

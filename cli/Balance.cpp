@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "cli/Drawing.h"
+#include "cli/Messages.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbents.h"
@@ -92,9 +93,9 @@ bool chooseBoundary(const std::string& drawing, const std::string& choice, AcDbD
         if (lines.empty()) return true;
         boundary = lines.front().second;
         if (lines.size() > 1) {
-            std::cerr << "kplan: " << lines.size() << " planning scope lines; using the largest, "
-                      << handleText(boundary) << " (" << fixed(lines.front().first / 10000, 2)
-                      << " ha); --boundary HANDLE chooses another\n";
+            warn() << "kplan: " << lines.size() << " planning scope lines; using the largest, "
+                   << handleText(boundary) << " (" << fixed(lines.front().first / 10000, 2)
+                   << " ha); --boundary HANDLE chooses another\n";
         }
         return true;
     }
@@ -149,9 +150,9 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
         b.olderGeneration = olderGenerationParcels(database, all);
         int older = b.olderGeneration.length();
         if (older > 0) {
-            std::cerr << "kplan: " << older << (older == 1 ? " parcel carries" : " parcels carry")
-                      << " only records of an older generation (地块属性, 地块边界) and "
-                      << (older == 1 ? "is" : "are") << " not counted; kplan list shows them\n";
+            warn() << "kplan: " << older << (older == 1 ? " parcel carries" : " parcels carry")
+                   << " only records of an older generation (地块属性, 地块边界) and "
+                   << (older == 1 ? "is" : "are") << " not counted; kplan list shows them\n";
         }
     }
     AcDbObjectIdArray boundaries;

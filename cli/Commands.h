@@ -6,17 +6,19 @@
 namespace kplan::cli {
 
 // The exit codes of every command.
-inline constexpr int kExitInput = 1;  // the input is unreadable or wrong
-inline constexpr int kExitUsage = 2;  // the command line is wrong
+inline constexpr int kExitInput = 1;   // the input is unreadable or wrong
+inline constexpr int kExitUsage = 2;   // the command line is wrong
+inline constexpr int kExitPartly = 3;  // partly done: some drawings failed, others not
 
 // "kplan info DRAWING": version, code page, entities by type, xdata records by
 // application, layers.
 void addInfoCommand(CLI::App& app, int& exitCode);
 // "kplan convert IN OUT": load and save, keeping everything the drawing carried.
 void addConvertCommand(CLI::App& app, int& exitCode);
-// "kplan stats [DRAWING]": the land-use balance table, within the planning scope line.
+// "kplan stats [DRAWING...]": the land-use balance table, within the planning scope line;
+// of several drawings (or folders of them) each one's and that of all.
 void addStatsCommand(CLI::App& app, int& exitCode);
-// "kplan list [DRAWING]": one row per parcel.
+// "kplan list [DRAWING...]": one row per parcel, of one drawing or of several.
 void addListCommand(CLI::App& app, int& exitCode);
 // "kplan label DRAWING -o OUT": each parcel's number and class as text at its label point.
 void addLabelCommand(CLI::App& app, int& exitCode);

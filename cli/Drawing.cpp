@@ -1,6 +1,7 @@
 #include "cli/Drawing.h"
 
 #include "cli/ClassTableCheck.h"
+#include "cli/Messages.h"
 
 #include <cctype>
 #include <filesystem>
@@ -128,7 +129,7 @@ std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
     }
     if (database) {
         for (const std::string& warning : dxf::readReport(*database).warnings)
-            std::cerr << "kplan: warning: " << warning << "\n";
+            warn() << "kplan: warning: " << warning << "\n";
     }
     return database;
 }
@@ -240,6 +241,11 @@ bool LoadedDrawing::open(const std::string& path, const StandardOptions& options
     return true;
 }
 
+void LoadedDrawing::close() {
+    if (document_ != nullptr) acDocManager->closeDocument(document_);
+    document_ = nullptr;
+}
+
 AcDbDatabase* LoadedDrawing::database() const {
     return document_ != nullptr ? document_->database() : nullptr;
 }
@@ -290,12 +296,16 @@ int openForReport(const std::string& drawingArgument, const std::string& formatA
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
-    // A name in the system's other encoding (GBK, from a Chinese Windows share) is shown
-    // as the characters it stands for; reports are UTF-8.
+    path = reportName(path);
+    return 0;
+}
+
+std::string reportName(const std::string& path) {
+    // Reports are UTF-8.
     std::wstring decoded;
     if (!db::isValidUtf8(path) && db::decodeCodePage(path, "GBK", decoded))
-        path = db::wideToUtf8(decoded);
-    return 0;
+        return db::wideToUtf8(decoded);
+    return path;
 }
 
 std::string handleText(AcDbObjectId id) {

@@ -54,6 +54,9 @@ class LoadedDrawing {
     // Loads path and sets the project parameters of options on it (not saved).
     bool open(const std::string& path, const StandardOptions& options, std::string& error);
     AcDbDatabase* database() const;
+    // Closes the document and frees the drawing now, as a run of several drawings does
+    // after each one (the destructor leaves a single drawing to the end of the program).
+    void close();
 
   private:
     AcApDocument* document_ = nullptr;
@@ -75,6 +78,10 @@ int openWithStandard(const std::string& path, const StandardOptions& options,
 int openForReport(const std::string& drawingArgument, const std::string& formatArgument,
                   const StandardOptions& options, Format& format, LoadedDrawing& drawing,
                   std::string& path);
+
+// A drawing's name for reports, in UTF-8: a name in GBK (from a Chinese Windows share) is
+// shown as the characters it stands for.
+std::string reportName(const std::string& path);
 
 // Handle text of an object ("2A").
 std::string handleText(AcDbObjectId id);

@@ -6,6 +6,7 @@
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/Messages.h"
 #include "gis/ClassColour.h"
 #include "gis/GisExport.h"
 
@@ -48,7 +49,7 @@ int runExport(const ExportArgs& args) {
         return 1;
     }
     for (const std::string& warning : summary.warnings)
-        std::cerr << "kplan: " << warning << "\n";
+        warn() << "kplan: " << warning << "\n";
     for (const auto& [name, count] : summary.layers)
         std::cout << name << ": " << count << (count == 1 ? " feature\n" : " features\n");
     if (!summary.emptyLayers.empty()) {

@@ -8,6 +8,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/Messages.h"
 #include "geometry/LabelPoint.h"
 #include "geometry/OptimalPoint.h"
 #include "host/arx/dbents.h"
@@ -147,9 +148,9 @@ int runLabel(const LabelArgs& args) {
     std::cout << "labelled " << labelled << (labelled == 1 ? " parcel" : " parcels") << " on layer "
               << args.layer << ": " << args.out << "\n";
     if (missed > 0) {
-        std::cerr << "kplan: " << missed << (missed == 1 ? " parcel has" : " parcels have")
-                  << " no inside (an open or empty outline) and " << (missed == 1 ? "is" : "are")
-                  << " not labelled\n";
+        warn() << "kplan: " << missed << (missed == 1 ? " parcel has" : " parcels have")
+               << " no inside (an open or empty outline) and " << (missed == 1 ? "is" : "are")
+               << " not labelled\n";
     }
     return 0;
 }

@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/DrawingBatch.h"
 #include "cli/Output.h"
 #include "geometry/LabelPoint.h"
 #include "host/arx/dbhatch.h"
@@ -33,7 +36,8 @@ namespace {
 const char* const kKinds[] = {"parcel", "unit", "block", "building", "hatch", "redline"};
 
 struct ListArgs {
-    std::string drawing;
+    std::vector<std::string> drawings;  // none: the sample plan; several or a folder: a batch
+    bool recursive = false;
     std::string format = "table";
     std::string kind = "parcel";
     std::string classPrefix;
@@ -97,7 +101,7 @@ std::vector<std::size_t> tableColumns(const Listing& listing) {
     return shown;
 }
 
-void printTable(const Listing& listing) {
+void printTable(std::ostream& out, const Listing& listing) {
     std::vector<std::size_t> shown = tableColumns(listing);
     std::vector<std::vector<std::string>> table(1);
     std::vector<bool> right;
@@ -110,25 +114,25 @@ void printTable(const Listing& listing) {
         for (std::size_t c : shown)
             table.back().push_back(row[c].shown);
     }
-    std::cout << alignedTable(table, right);
-    std::cout << listing.rows.size() << " "
-              << (listing.rows.size() == 1 ? listing.one : listing.many) << "\n";
+    out << alignedTable(table, right);
+    out << listing.rows.size() << " " << (listing.rows.size() == 1 ? listing.one : listing.many)
+        << "\n";
 }
 
-void printCsv(const Listing& listing) {
+void printCsv(std::ostream& out, const Listing& listing) {
     std::vector<std::string> header;
     for (const Column& column : listing.columns)
         header.push_back(column.key);
-    std::cout << csvRow(header);
+    out << csvRow(header);
     for (const auto& row : listing.rows) {
         std::vector<std::string> values;
         for (const Cell& cell : row)
             values.push_back(cell.value);
-        std::cout << csvRow(values);
+        out << csvRow(values);
     }
 }
 
-void printJson(const Listing& listing) {
+nlohmann::json rowsJson(const Listing& listing) {
     nlohmann::json rows = nlohmann::json::array();
     for (const auto& row : listing.rows) {
         nlohmann::json object = nlohmann::json::object();
@@ -138,7 +142,7 @@ void printJson(const Listing& listing) {
         }
         rows.push_back(std::move(object));
     }
-    std::cout << report::dumpJson(rows);
+    return rows;
 }
 
 // ------------------------------------------------------------------ parcels
@@ -422,24 +426,65 @@ Listing listKind(const ListArgs& args, AcDbDatabase& database) {
     return listParcels(args, database);
 }
 
+// Several drawings, or a folder: each drawing's rows as it alone gives them, then how many
+// there are in all.
+int runListBatch(const ListArgs& args) {
+    BatchFormat format;
+    std::vector<std::string> drawings;
+    if (int refused = parseBatchFormat(args.format, "table, csv, json or jsonl", format))
+        return refused;
+    if (int failed = prepareBatch(args.drawings, args.recursive, args.standard, drawings))
+        return failed;
+    std::size_t rows = 0;
+    const char* many = "records";
+    BatchOutcome outcome = runDrawings(
+        drawings, args.standard, format,
+        [&args, format](AcDbDatabase& database, DrawingRun& run, std::string&) {
+            Listing listing = listKind(args, database);
+            if (format == BatchFormat::Table) {
+                std::ostringstream text;
+                text << "drawing: " << run.path << "\n";
+                printTable(text, listing);
+                run.text = text.str();
+            } else {
+                run.json = {{"rows", rowsJson(listing)}};
+            }
+            run.kept = std::pair<std::size_t, const char*>(listing.rows.size(), listing.many);
+            return true;
+        },
+        [&rows, &many](DrawingRun& run) {
+            auto [count, kind] = std::any_cast<std::pair<std::size_t, const char*>>(run.kept);
+            rows += count;
+            many = kind;
+        });
+    nlohmann::json total = totalJson(outcome);
+    total["rows"] = rows;
+    return endBatch(format, outcome, total,
+                    "\n== total of " + std::to_string(outcome.succeeded) +
+                        (outcome.succeeded == 1 ? " drawing: " : " drawings: ") +
+                        std::to_string(rows) + " " + many + " ==\n");
+}
+
 int runList(const ListArgs& args) {
     if (args.kind != "parcel" && (args.hasClass || args.hasNumber)) {
         std::cerr << "kplan: --class and --number narrow parcels only, not --kind " << args.kind
                   << "\n";
         return 2;
     }
+    if (args.format == "jsonl" || !singleDrawing(args.drawings)) return runListBatch(args);
     Format format;
     LoadedDrawing drawing;
     std::string path;
-    if (int failed = openForReport(args.drawing, args.format, args.standard, format, drawing, path))
+    if (int failed = openForReport(args.drawings.empty() ? "" : args.drawings[0], args.format,
+                                   args.standard, format, drawing, path))
         return failed;
     Listing listing = listKind(args, *drawing.database());
     if (format == Format::Table) {
-        printTable(listing);
+        printTable(std::cout, listing);
     } else if (format == Format::Csv) {
-        printCsv(listing);
+        printCsv(std::cout, listing);
     } else {
-        printJson(listing);
+        std::cout << report::dumpJson(rowsJson(listing));
     }
     std::cout.flush();
     return std::cout ? 0 : 1;
@@ -450,8 +495,15 @@ int runList(const ListArgs& args) {
 void addListCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("list", "One row per record: parcels, or another kind");
     auto args = std::make_shared<ListArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
-    command->add_option("--format", args->format, "table, csv or json")->capture_default_str();
+    command->add_option("DRAWING", args->drawings,
+                        "DXF files or folders of them (default: the sample plan)");
+    command->add_flag("--recursive", args->recursive,
+                      "With a folder: the drawings of its subfolders too");
+    command
+        ->add_option("--format", args->format,
+                     "table, csv, json or jsonl (a line per drawing as it is done, then the "
+                     "total)")
+        ->capture_default_str();
     command->add_option("--kind", args->kind, "parcel, unit, block, building, hatch or redline")
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kKinds), std::end(kKinds))))
         ->capture_default_str();

@@ -10,6 +10,7 @@
 #include "cli/Commands.h"
 #include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
+#include "cli/Messages.h"
 #include "record/DKBJXDInfo.h"
 #include "render/PlanPicture.h"
 #include "render/PlanScene.h"
@@ -124,10 +125,9 @@ bool drawPlan(AcDbDatabase& database, const std::string& drawingPath, const std:
     options.table = table;
     if (!render::writePicture(scene, options, out, error)) return false;
     if (unreadable > 0) {
-        std::cerr << "kplan: " << unreadable
-                  << (unreadable == 1 ? " parcel has an outline" : " parcels have outlines")
-                  << " that cannot be read and " << (unreadable == 1 ? "is" : "are")
-                  << " not drawn\n";
+        warn() << "kplan: " << unreadable
+               << (unreadable == 1 ? " parcel has an outline" : " parcels have outlines")
+               << " that cannot be read and " << (unreadable == 1 ? "is" : "are") << " not drawn\n";
     }
     if (summary != nullptr) *summary = {scene.parcels.size(), scene.styles.size()};
     return true;

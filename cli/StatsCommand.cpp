@@ -5,6 +5,7 @@
 #include <cctype>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,7 +15,9 @@
 #include "cli/Commands.h"
 #include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
+#include "cli/DrawingBatch.h"
 #include "cli/InteractiveInput.h"
+#include "cli/Messages.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbents.h"
@@ -31,6 +34,7 @@
 #include "record/XDataAccess.h"
 #include "report/Balance.h"
 #include "report/ClassHierarchy.h"
+#include "report/CombinedReport.h"
 #include "report/CsvWriter.h"
 #include "report/JsonWriter.h"
 #include "report/PlanReport.h"
@@ -47,7 +51,8 @@ namespace kplan::cli {
 namespace {
 
 struct StatsArgs {
-    std::string drawing;
+    std::vector<std::string> drawings;  // none: the sample plan; several or a folder: a batch
+    bool recursive = false;             // folders' subfolders too
     std::string boundary = "auto";
     std::string format = "table";
     std::string output;  // -o, the spreadsheet's file
@@ -67,61 +72,59 @@ struct StatsArgs {
 
 using report::Section;
 
-void printTable(const StatsArgs& args, const std::string& path, const Balance& b,
+void printTable(std::ostream& out, const StatsArgs& args, const std::string& path, const Balance& b,
                 const report::Report& tables) {
     bool en = args.lang == "en";
-    std::cout << (en ? "drawing: " : "图纸：") << path << "\n";
-    std::cout << (en ? "standard: " : "标准：") << CKovaDataSet::FGetStandardName().ToUtf8()
-              << (en ? ", class table: " : "，类别表：") << CKovaDataSet::FGetCurYDLB().ToUtf8()
-              << "\n";
+    out << (en ? "drawing: " : "图纸：") << path << "\n";
+    out << (en ? "standard: " : "标准：") << CKovaDataSet::FGetStandardName().ToUtf8()
+        << (en ? ", class table: " : "，类别表：") << CKovaDataSet::FGetCurYDLB().ToUtf8() << "\n";
     if (b.boundary.isNull()) {
-        std::cout << (en ? "boundary: none, the whole drawing\n" : "范围线：无，统计全图\n");
+        out << (en ? "boundary: none, the whole drawing\n" : "范围线：无，统计全图\n");
     } else {
-        std::cout << (en ? "boundary: " : "范围线：") << handleText(b.boundary)
-                  << (en ? ", " : "，") << fixed(b.boundaryHectares, 2) << (en ? " ha" : " 公顷")
-                  << "\n";
+        out << (en ? "boundary: " : "范围线：") << handleText(b.boundary) << (en ? ", " : "，")
+            << fixed(b.boundaryHectares, 2) << (en ? " ha" : " 公顷") << "\n";
     }
     if (en) {
-        std::cout << (args.status ? "current-status" : "planned") << " parcels: " << b.parcels;
-        if (!b.boundary.isNull()) std::cout << " (" << b.crossing << " crossing the boundary)";
+        out << (args.status ? "current-status" : "planned") << " parcels: " << b.parcels;
+        if (!b.boundary.isNull()) out << " (" << b.crossing << " crossing the boundary)";
     } else {
-        std::cout << (args.status ? "现状地块：" : "规划地块：") << b.parcels;
-        if (!b.boundary.isNull()) std::cout << "（" << b.crossing << " 块与范围线相交）";
+        out << (args.status ? "现状地块：" : "规划地块：") << b.parcels;
+        if (!b.boundary.isNull()) out << "（" << b.crossing << " 块与范围线相交）";
     }
-    std::cout << "\n\n" << report::terminalTables(tables, en);
+    out << "\n\n" << report::terminalTables(tables, en);
     std::string warnings = report::terminalWarnings(tables, en);
-    if (!warnings.empty()) std::cout << "\n" << warnings;
+    if (!warnings.empty()) out << "\n" << warnings;
 }
 
 // The standard's tables and the warnings first, then the totals of the library and the
 // tabulation by class, one value a row as before.
-void printCsv(const StatsArgs& args, const Balance& b, const ClassNames& names,
+void printCsv(std::ostream& out, const StatsArgs& args, const Balance& b, const ClassNames& names,
               const report::Report& tables, const std::vector<Section>& sections) {
     bool en = args.lang == "en";
-    std::cout << report::kUtf8ByteOrderMark << report::csvTables(tables, en)
-              << report::csvWarnings(tables, en);
+    out << report::kUtf8ByteOrderMark << report::csvTables(tables, en)
+        << report::csvWarnings(tables, en);
     // A unit's or block's tables: their rows name it after the table ("rural_urban@JX-02").
     for (const Section& section : sections) {
         report::Report named = section.tables;
         for (report::Table& table : named.tables)
             table.key += "@" + section.number;
-        std::cout << report::csvTables(named, en);
+        out << report::csvTables(named, en);
     }
-    std::cout << csvRow({"table", "code", "name", "value"});
+    out << csvRow({"table", "code", "name", "value"});
     for (std::size_t i = 0; i < kTotals.size(); ++i) {
-        std::cout << csvRow(
+        out << csvRow(
             {"totals", kTotals[i].code, names.of(kTotals[i].code), jsonNumber(b.totals[i])});
     }
     for (const ClassArea& a : b.majorClasses)
-        std::cout << csvRow({"major_classes", a.code, a.name, jsonNumber(a.hectares)});
+        out << csvRow({"major_classes", a.code, a.name, jsonNumber(a.hectares)});
     for (const ClassArea& a : b.classes)
-        std::cout << csvRow({"classes", a.code, a.name, jsonNumber(a.hectares)});
-    std::cout << csvRow({"parcels", "", "", std::to_string(b.parcels)});
-    std::cout << csvRow({"population", "", "", std::to_string(b.population)});
+        out << csvRow({"classes", a.code, a.name, jsonNumber(a.hectares)});
+    out << csvRow({"parcels", "", "", std::to_string(b.parcels)});
+    out << csvRow({"population", "", "", std::to_string(b.population)});
 }
 
-void printJson(const std::string& path, const Balance& b, const report::Report& tables,
-               const std::vector<Section>& sections) {
+nlohmann::json statsJson(const std::string& path, const Balance& b, const report::Report& tables,
+                         const std::vector<Section>& sections) {
     using nlohmann::json;
     auto list = [](const std::vector<ClassArea>& areas) {
         json rows = json::array();
@@ -160,7 +163,7 @@ void printJson(const std::string& path, const Balance& b, const report::Report& 
         }
         out["by"] = by;
     }
-    std::cout << report::dumpJson(out);
+    return out;
 }
 
 report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
@@ -192,6 +195,78 @@ bool buildTables(const StatsArgs& args, const report::ParcelLists& parcels, AcDb
     return true;
 }
 
+// What the tables of one drawing are made of.
+struct DrawingStats {
+    report::ParcelLists parcels;
+    Balance balance;
+    report::Report tables;
+    std::vector<Section> sections;
+};
+
+// The tables of the current drawing within boundary (chosen: the parcels a dialogue chose,
+// when it chose some without one scope line). False with a message when the options name
+// a class the table lacks.
+bool computeStats(const StatsArgs& args, AcDbDatabase& database, AcDbObjectId boundary,
+                  const AcDbObjectIdArray& chosen, report::AreaUnit unit, const ClassNames& names,
+                  DrawingStats& s, std::string& error) {
+    // The balance tables measure the same parcels again: one session clips each once and
+    // another reads each record once, until the tables are built.
+    stats::ClipSession session;
+    dk::RecordSession records;
+    s.parcels = report::findParcels(args.status);
+    if (!chosen.isEmpty()) {
+        for (AcDbObjectIdArray* list : {&s.parcels.current, &s.parcels.planned}) {
+            AcDbObjectIdArray kept;
+            for (AcDbObjectId id : *list)
+                if (chosen.contains(id)) kept.append(id);
+            *list = kept;
+        }
+    }
+    s.balance = measure(database, boundary, args.status, s.parcels, names);
+    return buildTables(args, s.parcels, boundary, unit, s.balance, s.tables, error) &&
+           (args.by.empty() ||
+            report::buildSections(s.parcels, args.by, planOptions(args, unit), s.sections, error));
+}
+
+// What a lenient read kept as read is no curve, so no parcel: say how many were.
+void noteUnreadParcels(AcDbDatabase& database, report::Report& tables) {
+    int leftOut = 0;
+    report::Warning unread;
+    unread.kind = "left_out";
+    unread.detail = "边界线含有不是数字的值，未能读取";
+    unread.detailEn = "the outline holds a value that is not a number";
+    for (AcDbObjectId id : dxf::readReport(database).keptAsRead) {
+        if (CheckDKDataVer(id) == 0) continue;
+        ++leftOut;
+        unread.handles.push_back(handleText(id));
+    }
+    if (leftOut > 0) tables.warnings.push_back(unread);
+    if (leftOut > 0) {
+        warn() << "kplan: " << leftOut
+               << (leftOut == 1 ? " parcel is left out of the statistics: its outline holds "
+                                  "a value that is not a number"
+                                : " parcels are left out of the statistics: their outlines "
+                                  "hold values that are not numbers")
+               << " (see the warnings above)\n";
+    }
+}
+
+// The tables of each unit or block after the plan's.
+void printSections(std::ostream& out, const StatsArgs& args, const std::vector<Section>& sections) {
+    bool en = args.lang == "en";
+    for (const Section& section : sections) {
+        out << "\n"
+            << (section.kind == "unit" ? (en ? "== unit " : "== 单元 ")
+                                       : (en ? "== block " : "== 街坊 "))
+            << section.number << (en ? " (" : "（") << section.handle << (en ? ") ==\n" : "）==\n")
+            << report::terminalTables(section.tables, en);
+        std::string warnings = report::terminalWarnings(section.tables, en);
+        if (!warnings.empty()) out << "\n" << warnings;
+    }
+}
+
+int runStatsBatch(const StatsArgs& args);
+
 int runStats(StatsArgs args) {
     Format format;
     LoadedDrawing drawing;
@@ -203,8 +278,11 @@ int runStats(StatsArgs args) {
         std::cerr << "kplan: --map " << error << "\n";
         return 2;
     }
+    if (args.format == "jsonl" || !singleDrawing(args.drawings)) return runStatsBatch(args);
+    const std::string drawingArgument = args.drawings.empty() ? "" : args.drawings[0];
     if (!xlsx && !parseFormat(args.format, format)) {
-        std::cerr << "kplan: --format " << args.format << ": expected table, csv, json or xlsx\n";
+        std::cerr << "kplan: --format " << args.format
+                  << ": expected table, csv, json, jsonl or xlsx\n";
         return 2;
     }
     if (xlsx && !args.by.empty()) {
@@ -225,7 +303,7 @@ int runStats(StatsArgs args) {
     if (!args.preview.empty()) {
         if (int refused = checkDxfOutput(args.preview, false)) return refused;
     }
-    if (int failed = openForReport(args.drawing, xlsx ? "table" : args.format, args.standard,
+    if (int failed = openForReport(drawingArgument, xlsx ? "table" : args.format, args.standard,
                                    format, drawing, path))
         return failed;
     AcDbObjectId boundary;
@@ -253,7 +331,8 @@ int runStats(StatsArgs args) {
                       << (scopes.isEmpty() ? " has none\n" : " has several\n");
             return 1;
         }
-    } else if (!chooseBoundary(args.drawing, args.boundary, *drawing.database(), boundary, error)) {
+    } else if (!chooseBoundary(drawingArgument, args.boundary, *drawing.database(), boundary,
+                               error)) {
         std::cerr << "kplan: " << error << "\n";
         return 1;
     }
@@ -263,29 +342,17 @@ int runStats(StatsArgs args) {
         return 2;
     }
     ClassNames names;
-    // The balance tables measure the same parcels again: one session clips each once and
-    // another reads each record once, until the tables are built.
+    // The preview and the map below ask about the same curves again.
     stats::ClipSession session;
-    auto records = std::make_unique<dk::RecordSession>();
-    report::ParcelLists parcels = report::findParcels(args.status);
-    if (!chosen.isEmpty()) {
-        for (AcDbObjectIdArray* list : {&parcels.current, &parcels.planned}) {
-            AcDbObjectIdArray kept;
-            for (AcDbObjectId id : *list)
-                if (chosen.contains(id)) kept.append(id);
-            *list = kept;
-        }
-    }
-    Balance balance = measure(*drawing.database(), boundary, args.status, parcels, names);
-    report::Report tables;
-    std::vector<Section> sections;
-    if (!buildTables(args, parcels, boundary, unit, balance, tables, error) ||
-        (!args.by.empty() &&
-         !report::buildSections(parcels, args.by, planOptions(args, unit), sections, error))) {
+    DrawingStats measured;
+    if (!computeStats(args, *drawing.database(), boundary, chosen, unit, names, measured, error)) {
         std::cerr << "kplan: " << error << "\n";
         return 2;
     }
-    records.reset();
+    const report::ParcelLists& parcels = measured.parcels;
+    const Balance& balance = measured.balance;
+    report::Report& tables = measured.tables;
+    const std::vector<Section>& sections = measured.sections;
     if (!args.map.empty()) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
@@ -311,26 +378,7 @@ int runStats(StatsArgs args) {
             return 1;
         }
     }
-    // What a lenient read kept as read is no curve, so no parcel: say how many were.
-    int leftOut = 0;
-    report::Warning unread;
-    unread.kind = "left_out";
-    unread.detail = "边界线含有不是数字的值，未能读取";
-    unread.detailEn = "the outline holds a value that is not a number";
-    for (AcDbObjectId id : dxf::readReport(*drawing.database()).keptAsRead) {
-        if (CheckDKDataVer(id) == 0) continue;
-        ++leftOut;
-        unread.handles.push_back(handleText(id));
-    }
-    if (leftOut > 0) tables.warnings.push_back(unread);
-    if (leftOut > 0) {
-        std::cerr << "kplan: " << leftOut
-                  << (leftOut == 1 ? " parcel is left out of the statistics: its outline holds "
-                                     "a value that is not a number"
-                                   : " parcels are left out of the statistics: their outlines "
-                                     "hold values that are not numbers")
-                  << " (see the warnings above)\n";
-    }
+    noteUnreadParcels(*drawing.database(), tables);
     if (xlsx) {
         if (!report::writeXlsx(tables, args.output, args.lang == "en", error)) {
             std::cerr << "kplan: " << error << "\n";
@@ -340,28 +388,83 @@ int runStats(StatsArgs args) {
     }
     switch (format) {
         case Format::Table:
-            printTable(args, path, balance, tables);
-            for (const Section& section : sections) {
-                bool en = args.lang == "en";
-                std::cout << "\n"
-                          << (section.kind == "unit" ? (en ? "== unit " : "== 单元 ")
-                                                     : (en ? "== block " : "== 街坊 "))
-                          << section.number << (en ? " (" : "（") << section.handle
-                          << (en ? ") ==\n" : "）==\n")
-                          << report::terminalTables(section.tables, en);
-                std::string warnings = report::terminalWarnings(section.tables, en);
-                if (!warnings.empty()) std::cout << "\n" << warnings;
-            }
+            printTable(std::cout, args, path, balance, tables);
+            printSections(std::cout, args, sections);
             break;
         case Format::Csv:
-            printCsv(args, balance, names, tables, sections);
+            printCsv(std::cout, args, balance, names, tables, sections);
             break;
         case Format::Json:
-            printJson(path, balance, tables, sections);
+            std::cout << report::dumpJson(statsJson(path, balance, tables, sections));
             break;
     }
     std::cout.flush();
     return std::cout ? 0 : 1;
+}
+
+// Several drawings, or a folder: each drawing's tables as it alone gives them, then the
+// tables of all of them added up.
+int runStatsBatch(const StatsArgs& args) {
+    BatchFormat format;
+    if (int refused = parseBatchFormat(args.format, "table, csv, json, jsonl or xlsx", format))
+        return refused;
+    for (const auto& [given, option] :
+         {std::pair{args.interactive, "--interactive"},
+          std::pair{!args.preview.empty(), "--preview"}, std::pair{!args.map.empty(), "--map"},
+          std::pair{!args.output.empty(), "-o"}}) {
+        if (given) {
+            std::cerr << "kplan: " << option << " works on one drawing, not on several\n";
+            return kExitUsage;
+        }
+    }
+    report::AreaUnit unit;
+    if (!report::parseAreaUnit(args.units, unit)) {
+        std::cerr << "kplan: --units " << args.units << ": expected hm2, m2, mu or km2\n";
+        return kExitUsage;
+    }
+    std::vector<std::string> drawings;
+    if (int failed = prepareBatch(args.drawings, args.recursive, args.standard, drawings))
+        return failed;
+    bool en = args.lang == "en";
+    std::vector<report::Report> all;
+    BatchOutcome outcome = runDrawings(
+        drawings, args.standard, format,
+        [&args, format, unit](AcDbDatabase& database, DrawingRun& run, std::string& error) {
+            AcDbObjectId boundary;
+            ClassNames names;
+            DrawingStats measured;
+            if (!chooseBoundary(run.path, args.boundary, database, boundary, error) ||
+                !computeStats(args, database, boundary, {}, unit, names, measured, error))
+                return false;
+            noteUnreadParcels(database, measured.tables);
+            if (format == BatchFormat::Table) {
+                std::ostringstream text;
+                printTable(text, args, run.path, measured.balance, measured.tables);
+                printSections(text, args, measured.sections);
+                run.text = text.str();
+            } else {
+                run.json =
+                    statsJson(run.path, measured.balance, measured.tables, measured.sections);
+            }
+            run.kept = std::move(measured.tables);
+            return true;
+        },
+        [&all](DrawingRun& run) {
+            all.push_back(std::any_cast<report::Report>(std::move(run.kept)));
+        });
+    std::vector<const report::Report*> reports;
+    for (const report::Report& r : all)
+        reports.push_back(&r);
+    report::Report combined = report::combineReports(reports);
+    nlohmann::json total = totalJson(outcome);
+    total["tables"] = report::tablesJson(combined);
+    total["balance"] = report::balanceJson(combined);
+    std::ostringstream end;
+    end << "\n"
+        << (en ? "== total of " : "== 合计：") << outcome.succeeded
+        << (en ? (outcome.succeeded == 1 ? " drawing ==\n" : " drawings ==\n") : " 张图纸 ==\n")
+        << report::terminalTables(combined, en);
+    return endBatch(format, outcome, total, end.str());
 }
 
 }  // namespace
@@ -372,14 +475,21 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         "Land-use balance tables of the drawing's standard (城乡用地汇总表, 城市建设用地平衡表), "
         "within its scope line");
     auto args = std::make_shared<StatsArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
+    command->add_option("DRAWING", args->drawings,
+                        "DXF files or folders of them (default: the sample plan); several give "
+                        "each one's tables and those of all");
+    command->add_flag("--recursive", args->recursive,
+                      "With a folder: the drawings of its subfolders too");
     command
         ->add_option("--boundary", args->boundary,
                      "auto (the largest planning scope line), none, or a handle")
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
-    command->add_option("--format", args->format, "table, csv, json or xlsx (with -o FILE)")
+    command
+        ->add_option("--format", args->format,
+                     "table, csv, json, jsonl (a line per drawing as it is done, then the "
+                     "total) or xlsx (with -o FILE)")
         ->capture_default_str();
     command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx");
     command->add_option("--map", args->map,

@@ -12,6 +12,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/Messages.h"
 #include "draw/DrawOrder.h"
 #include "draw/Hatching.h"
 #include "draw/Layers.h"
@@ -266,19 +267,19 @@ void printSummary(const Summary& s, const SymbolizeArgs& args) {
     }
     std::cout << ": " << args.out << "\n";
     if (s.noClass > 0) {
-        std::cerr << "kplan: " << s.noClass << plural(s.noClass, " parcel has", " parcels have")
-                  << " no class and " << plural(s.noClass, "is", "are") << " left as "
-                  << plural(s.noClass, "it was", "they were") << "\n";
+        warn() << "kplan: " << s.noClass << plural(s.noClass, " parcel has", " parcels have")
+               << " no class and " << plural(s.noClass, "is", "are") << " left as "
+               << plural(s.noClass, "it was", "they were") << "\n";
     }
     if (s.noLayer > 0) {
-        std::cerr << "kplan: " << s.noLayer << plural(s.noLayer, " parcel's", " parcels'")
-                  << " class gives no valid layer name; left as "
-                  << plural(s.noLayer, "it was", "they were") << "\n";
+        warn() << "kplan: " << s.noLayer << plural(s.noLayer, " parcel's", " parcels'")
+               << " class gives no valid layer name; left as "
+               << plural(s.noLayer, "it was", "they were") << "\n";
     }
     if (s.notFillable > 0) {
-        std::cerr << "kplan: " << s.notFillable
-                  << plural(s.notFillable, " parcel has an outline", " parcels have outlines")
-                  << " that cannot be filled (open or empty) and no hatch\n";
+        warn() << "kplan: " << s.notFillable
+               << plural(s.notFillable, " parcel has an outline", " parcels have outlines")
+               << " that cannot be filled (open or empty) and no hatch\n";
     }
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cli/Commands.h"
+#include "cli/Messages.h"
 #include "cli/TerminalProgress.h"
 #include "host/db/CommandLine.h"
 #include "render/CjkFont.h"
@@ -96,7 +97,8 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", std::string("kplan ") + KPLAN_VERSION);
     app.footer(
         "Exit codes: 0 success, 1 the input is unreadable or wrong, 2 the command line "
-        "is wrong. kplan help COMMAND shows a command's options.");
+        "is wrong, 3 partly done: some drawings failed. kplan help COMMAND shows a command's "
+        "options.");
     int exitCode = 0;
     kplan::cli::addInfoCommand(app, exitCode);
     kplan::cli::addConvertCommand(app, exitCode);
@@ -110,13 +112,19 @@ int main(int argc, char** argv) {
     addHelpCommand(app, exitCode);
     refuseEmptyNames(app);
     // Before or after the command's name; read before parsing, since loading starts then.
-    bool noProgress = false;
+    bool noProgress = false, quiet = false;
     app.add_flag("--no-progress", noProgress, "Draw no progress bar");
+    app.add_flag("--quiet", quiet,
+                 "No progress bar and no warnings on stderr (errors are still printed; "
+                 "warnings stay in JSON and CSV)");
     for (CLI::App* command : app.get_subcommands({}))
         command->fallthrough();
-    for (int i = 1; i < argc; ++i)
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
         noProgress |= std::string_view(argv[i]) == "--no-progress";
-    if (!noProgress) kplan::cli::TerminalProgress::installOnStderr();
+        quiet |= std::string_view(argv[i]) == "--quiet";
+    }
+    kplan::cli::setQuiet(quiet);
+    if (!noProgress && !quiet) kplan::cli::TerminalProgress::installOnStderr();
     // The domain code's command-line messages are for a CAD user watching; here nobody is.
     db::commandLine().keepTranscript(false);
     try {

@@ -26,8 +26,10 @@ struct Session {
     std::unordered_map<AcDbObjectId, std::vector<Entry>> entries;
 };
 
+// A session is the thread's own: the threads of a batch each read a drawing of their own,
+// and a drawing freed on one thread may leave its entities' ids to the next one read there.
 Session& session() {
-    static Session s;
+    thread_local Session s;
     return s;
 }
 

@@ -4,7 +4,9 @@
 // the same parcels cost one read of each record. The answers are those of reading anew as
 // long as the drawing changes only through CDKBJXDInfo meanwhile (its writes forget the
 // entity's entries); open one for runs that read. Sessions may nest; the entries are
-// dropped when the outermost one ends. Reading from several threads is safe.
+// dropped when the outermost one ends. A session serves the thread that opened it; reads
+// on other threads go to the drawing, and so do threads that work on drawings of their
+// own at once.
 #include <functional>
 
 #include "host/arx/dbmain.h"

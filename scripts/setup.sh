@@ -14,6 +14,7 @@ packages=(
     nlohmann-json3-dev libxlsxwriter-dev python3-openpyxl
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
     tmux
+    parallel  # test only: the batch recipe of scripts/batch_stats.sh
 )
 
 missing=()

@@ -16,13 +16,13 @@ build() {
 build build/release -DCMAKE_BUILD_TYPE=Release -DKPLAN_WERROR=ON
 build build/asan -DCMAKE_BUILD_TYPE=Debug -DKPLAN_SANITIZE=ON
 
-# What runs on two threads (reading a large drawing, clipping parcels) under
-# ThreadSanitizer, which fails a test binary that races.
+# What runs on several threads (reading a large drawing, clipping parcels, drawings
+# measured at once) under ThreadSanitizer, which fails a test binary that races.
 tsan=build/tsan
 cmake -S . -B "$tsan" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKPLAN_BENCH=OFF \
     -DCMAKE_CXX_FLAGS=-fsanitize=thread -DCMAKE_EXE_LINKER_FLAGS=-fsanitize=thread >/dev/null
-cmake --build "$tsan" -j "$jobs" --target host_dxf_tests stats_tests
-for tests in host_dxf_tests stats_tests; do
+cmake --build "$tsan" -j "$jobs" --target host_dxf_tests stats_tests report_tests
+for tests in host_dxf_tests stats_tests report_tests; do
     (cd "$tsan/tests" && "./$tests" --gtest_brief=1)
 done
 

@@ -28,6 +28,11 @@ std::map<CString, ClassTableCache::Slot>& ClassTableCache::Slots() {
     return slots;
 }
 
+std::mutex& ClassTableCache::SlotsMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
 bool& ClassTableCache::CachingFlag() {
     static bool on = true;
     return on;
@@ -43,6 +48,7 @@ bool ClassTableCache::Caching() {
 }
 
 void ClassTableCache::Clear() {
+    std::lock_guard<std::mutex> lock(SlotsMutex());
     Slots().clear();
 }
 
@@ -67,6 +73,8 @@ bool ClassTableCache::StampOf(const CString& path, Stamp& stamp) {
 std::shared_ptr<const ParsedClassTable> ClassTableCache::Get(const CString& path) {
     if (path.IsEmpty()) return nullptr;
     if (!Caching()) return ParsedClassTable::Load(path);
+    // One thread reads a table while the others wait for it rather than read it too.
+    std::lock_guard<std::mutex> lock(SlotsMutex());
     Stamp stamp;
     if (!StampOf(path, stamp)) {
         Slots().erase(path);

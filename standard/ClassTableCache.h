@@ -5,10 +5,11 @@
 // is seen by the very next lookup. File times are coarse (a few milliseconds): a file
 // changed less than two seconds before it was read could change again without a new
 // time, so such a table is not kept but read again until its time is old enough.
-// Lookups run on the host's command thread; nothing is locked.
+// Lookups may come from several threads at once (a batch of drawings, one per thread).
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 
 #include "host/mfc/CString.h"
 #include "standard/ParsedClassTable.h"
@@ -40,5 +41,6 @@ class ClassTableCache {
     };
     static bool StampOf(const CString& path, Stamp& stamp);
     static std::map<CString, Slot>& Slots();
+    static std::mutex& SlotsMutex();
     static bool& CachingFlag();
 };

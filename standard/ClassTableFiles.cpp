@@ -1,6 +1,7 @@
 #include "standard/ClassTableFiles.h"
 
 #include <map>
+#include <mutex>
 
 #include "host/kova/KovaDataSet.h"
 #include "standard/ClassTableCache.h"
@@ -47,15 +48,25 @@ std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround) {
     // A table borrowed from "通用国标" is located anew every time, so that a copy the
     // standard gains takes over at once.
     static std::map<CString, CString> ownTables;
+    static std::mutex ownTablesMutex;  // lookups come from the threads of a batch at once
     CString key = CKovaDataSet::FGetGStandardDirPath() + L"|" + standard + L"|" + directory + file;
-    auto known = ownTables.find(key);
-    if (known != ownTables.end()) {
-        if (auto table = ClassTableCache::Get(known->second)) return table;
-        ownTables.erase(known);
+    CString own;
+    {
+        std::lock_guard<std::mutex> lock(ownTablesMutex);
+        auto known = ownTables.find(key);
+        if (known != ownTables.end()) own = known->second;
+    }
+    if (!own.IsEmpty()) {
+        if (auto table = ClassTableCache::Get(own)) return table;
+        std::lock_guard<std::mutex> lock(ownTablesMutex);
+        ownTables.erase(key);
     }
     CString path;
     if (CKovaDataSet::FGetGStandardOneFilePath(path, directory, file, standard, 0)) {
-        ownTables[key] = path;
+        {
+            std::lock_guard<std::mutex> lock(ownTablesMutex);
+            ownTables[key] = path;
+        }
         return ClassTableCache::Get(path);
     }
     if (CKovaDataSet::FGetGStandardOneFilePath(path, directory, file, standard, 1)) {

@@ -979,8 +979,9 @@ struct Session {
     std::unordered_map<AcDbObjectId, std::shared_ptr<BoundaryClip>> clips;
 };
 
+// Each thread of a batch clips within a drawing of its own.
 Session& session() {
-    static Session s;
+    thread_local Session s;
     return s;
 }
 

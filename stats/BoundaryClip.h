@@ -141,7 +141,8 @@ class BoundaryClip {
 // table of a drawing: its twelve totals, the tabulation, the parcels' overlap tests).
 // While a session lives, each boundary is read once and each curve clipped against it
 // once, however many statistics ask; the answers are the same as without it. Sessions
-// may nest; the clips are dropped when the outermost one ends.
+// may nest; the clips are dropped when the outermost one ends. A session serves the thread
+// that opened it (each thread of a batch works on a drawing of its own).
 class ClipSession {
   public:
     ClipSession();

@@ -1,6 +1,7 @@
 #include "stats/DocIdStore.h"
 
 #include <map>
+#include <mutex>
 
 #include "host/arx/acdocman.h"
 #include "host/kova/KovaEnt.h"
@@ -21,7 +22,10 @@ std::map<const AcApDocument*, DocRecord>& store() {
     return records;
 }
 
+// The threads of a batch each work on a drawing of their own; only the map is shared.
 DocRecord& current() {
+    static std::mutex mutex;
+    std::lock_guard<std::mutex> lock(mutex);
     return store()[acDocManager->curDocument()];
 }
 

@@ -1,7 +1,10 @@
 #pragma once
 // Open drawings and the current one. Several drawings can be open; commands work on
-// the current document, whose database is the working database.
+// the current document, whose database is the working database. A batch may work on
+// several drawings at once, one per thread: within an AcApThreadDocuments scope the
+// thread has a current document of its own.
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "host/arx/dbmain.h"
@@ -28,9 +31,9 @@ class AcApDocument {
 
 class AcApDocManager {
   public:
-    AcApDocument* curDocument() const { return current_; }
-    AcApDocument* mdiActiveDocument() const { return current_; }
-    int documentCount() const { return static_cast<int>(documents_.size()); }
+    AcApDocument* curDocument() const;
+    AcApDocument* mdiActiveDocument() const { return curDocument(); }
+    int documentCount() const;
     AcApDocument* document(int index) const;
 
     // Opens a document on a drawing (a new default drawing when null) and makes it
@@ -49,8 +52,26 @@ class AcApDocManager {
     Acad::ErrorStatus unlockDocument(AcApDocument* document);
 
   private:
+    // Opening and closing happen on the threads of a batch at once.
+    mutable std::mutex mutex_;
     std::vector<std::unique_ptr<AcApDocument>> documents_;
     AcApDocument* current_ = nullptr;
+};
+
+// While it lives, the documents this thread appends or makes current are current for this
+// thread alone: curDocument() and the working database on it are those, and the other
+// threads' current documents do not change. Closing the thread's current document leaves
+// it with none. For a thread that works on one drawing after another while other threads
+// do the same; the drawings themselves are not shared.
+class AcApThreadDocuments {
+  public:
+    AcApThreadDocuments();
+    ~AcApThreadDocuments();
+    AcApThreadDocuments(const AcApThreadDocuments&) = delete;
+    AcApThreadDocuments& operator=(const AcApThreadDocuments&) = delete;
+
+  private:
+    bool outer_;
 };
 
 AcApDocManager* acDocManagerPtr();

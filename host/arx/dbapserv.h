@@ -1,5 +1,7 @@
 #pragma once
 // The host application's services: which drawing commands work on.
+#include <atomic>
+
 #include "host/arx/dbmain.h"
 
 class AcDbHostApplicationServices {
@@ -7,9 +9,11 @@ class AcDbHostApplicationServices {
     // The current document's drawing, unless a caller set another one.
     AcDbDatabase* workingDatabase() const;
     void setWorkingDatabase(AcDbDatabase* database) { working_ = database; }
+    // True when a caller set database as the working one.
+    bool settingOf(const AcDbDatabase* database) const;
 
   private:
-    AcDbDatabase* working_ = nullptr;
+    std::atomic<AcDbDatabase*> working_{nullptr};
 };
 
 AcDbHostApplicationServices* acdbHostApplicationServices();

@@ -2,23 +2,37 @@
 
 #include "host/db/Leaks.h"
 
+#include <mutex>
+
 namespace db {
 
 namespace {
-std::unordered_map<std::int64_t, Database*>& registry() {
-    static std::unordered_map<std::int64_t, Database*> databases;
-    return databases;
+// Drawings are made and freed on the threads of a batch while others look theirs up.
+struct Registry {
+    std::mutex mutex;
+    std::unordered_map<std::int64_t, Database*> databases;
+    std::int64_t nextSerial = 1;
+};
+Registry& registry() {
+    static Registry r;
+    return r;
 }
-std::int64_t nextSerial = 1;
+std::int64_t enrol(Database* database) {
+    Registry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    std::int64_t serial = r.nextSerial++;
+    r.databases.emplace(serial, database);
+    return serial;
+}
 }  // namespace
 
-Database::Database() : serial_(nextSerial++) {
-    registry().emplace(serial_, this);
-}
+Database::Database() : serial_(enrol(this)) {}
 
 Database* Database::fromSerial(std::int64_t serial) {
-    auto it = registry().find(serial);
-    return it == registry().end() ? nullptr : it->second;
+    Registry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    auto it = r.databases.find(serial);
+    return it == r.databases.end() ? nullptr : it->second;
 }
 
 void stubToName(const Stub* stub, std::int64_t name[2]) {
@@ -32,7 +46,11 @@ Stub* nameToStub(const std::int64_t name[2]) {
 }
 
 Database::~Database() {
-    registry().erase(serial_);
+    {
+        Registry& r = registry();
+        std::lock_guard<std::mutex> lock(r.mutex);
+        r.databases.erase(serial_);
+    }
     // Objects still open when their drawing goes away can no longer be closed.
     for (Stub& stub : stubs_) {
         if (stub.isOpen()) leakCounts().openObjects--;

@@ -7,6 +7,7 @@
 namespace db {
 
 std::int64_t SelectionSets::create(std::vector<EntityName> members) {
+    std::lock_guard<std::mutex> lock(mutex_);
     if (sets_.size() >= kMaxSets) return 0;
     std::int64_t id = next_++;
     sets_.emplace(id, std::move(members));
@@ -15,11 +16,13 @@ std::int64_t SelectionSets::create(std::vector<EntityName> members) {
 }
 
 std::vector<EntityName>* SelectionSets::find(std::int64_t id) {
+    std::lock_guard<std::mutex> lock(mutex_);
     auto it = sets_.find(id);
     return it == sets_.end() ? nullptr : &it->second;
 }
 
 bool SelectionSets::add(std::int64_t id, const EntityName& name) {
+    std::lock_guard<std::mutex> lock(mutex_);
     auto it = sets_.find(id);
     if (it == sets_.end()) return false;
     auto indexed = index_.find(id);
@@ -33,6 +36,7 @@ bool SelectionSets::add(std::int64_t id, const EntityName& name) {
 }
 
 bool SelectionSets::remove(std::int64_t id, const EntityName& name) {
+    std::lock_guard<std::mutex> lock(mutex_);
     auto it = sets_.find(id);
     if (it == sets_.end()) return false;
     auto member = std::find(it->second.begin(), it->second.end(), name);
@@ -43,10 +47,16 @@ bool SelectionSets::remove(std::int64_t id, const EntityName& name) {
 }
 
 bool SelectionSets::free(std::int64_t id) {
+    std::lock_guard<std::mutex> lock(mutex_);
     index_.erase(id);
     if (sets_.erase(id) == 0) return false;
     leakCounts().liveSelectionSets--;
     return true;
+}
+
+std::size_t SelectionSets::liveCount() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return sets_.size();
 }
 
 void SelectionSets::toName(std::int64_t id, std::int64_t name[2]) {

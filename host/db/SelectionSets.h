@@ -3,10 +3,11 @@
 // entity names (handle, database serial), so that a set outliving its drawing holds
 // names that no longer resolve rather than dangling pointers; each one counts in
 // leakCounts().liveSelectionSets until it is freed. The host allows only a limited number of sets
-// at a time.
+// at a time. Threads working on drawings of their own may create and free sets at once.
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -31,7 +32,7 @@ class SelectionSets {
     // Removes a member; false when the set is not live or lacks it.
     bool remove(std::int64_t id, const EntityName& name);
     bool free(std::int64_t id);
-    std::size_t liveCount() const { return sets_.size(); }
+    std::size_t liveCount() const;
 
     // Set names of the command-line interface: (id, kNameTag). The tag is no database
     // serial, so a set name is never taken for an entity name.
@@ -48,6 +49,7 @@ class SelectionSets {
     std::unordered_map<std::int64_t, std::vector<EntityName>> sets_;
     std::unordered_map<std::int64_t, std::unordered_set<EntityName, NameHash>> index_;
     std::int64_t next_ = 1;
+    mutable std::mutex mutex_;
 };
 
 SelectionSets& selectionSets();

@@ -53,7 +53,7 @@ TEST(KplanConventionsTest, WrongCommandLinesExitWithTwo) {
         {"stats --frobnicate", ""},
         {"info", ""},
         {"convert only-one.dxf", ""},
-        {"stats --format yaml", "kplan: --format yaml: expected table, csv, json or xlsx\n"},
+        {"stats --format yaml", "kplan: --format yaml: expected table, csv, json, jsonl or xlsx\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args);

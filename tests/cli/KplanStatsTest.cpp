@@ -308,7 +308,7 @@ TEST(KplanStatsTest, BadInputGetsOneMessage) {
         {"not a handle", "stats '" + drawing().path + "' --boundary largest", 1,
          "kplan: " + drawing().path + ": no object with handle largest"},
         {"unknown format", "stats '" + drawing().path + "' --format xml", 2,
-         "kplan: --format xml: expected table, csv, json or xlsx\n"},
+         "kplan: --format xml: expected table, csv, json, jsonl or xlsx\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

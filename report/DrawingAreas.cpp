@@ -27,13 +27,14 @@ void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectI
     for (const AcDbObjectIdArray* list : lists)
         total += list->length();
     if (boundary.isNull() || total == 0) return;
-    // The clipping is the long part of a run: a hundredth at a time (and no fewer curves
-    // than the threads are worth starting for) moves the bar while the cores work.
+    // The clipping is the long part of a run: a fiftieth at a time moves the bar while the
+    // cores work. Each part ends with the cores waiting for the last clips, so the parts
+    // are not made smaller.
     KovaCad::CStatusBarControl bar;
     bar.start(L"范围线内地块", total);
     std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
     std::vector<stats::BoundaryClip::Answer> answers;
-    const int chunk = std::max(1024, total / 100);
+    const int chunk = std::max(2048, total / 50);
     AcDbObjectIdArray part;
     auto clipPart = [&] {
         clip->classifyMany(part, answers);

@@ -140,15 +140,88 @@ class Geos {
     std::vector<GEOSGeometry*> owned_;
 };
 
+struct Box {
+    double minX, maxX, minY, maxY;
+    int index;
+};
+
+// The pairs of boxes (positions i < j in boxes, sorted by minX) that overlap, in the order a
+// sweep along x meets them. A sweep alone walks a whole column of a parcel grid for each
+// parcel; the boxes are binned on a grid of cells about twice their usual size instead,
+// and a pair is taken in the one cell that holds the corner of its overlap.
+std::vector<std::pair<std::size_t, std::size_t>> meetingPairs(const std::vector<Box>& boxes) {
+    std::vector<std::pair<std::size_t, std::size_t>> pairs;
+    if (boxes.size() < 2) return pairs;
+    double minX = HUGE_VAL, minY = HUGE_VAL, sizes = 0;
+    for (const Box& b : boxes) {
+        minX = std::min(minX, b.minX);
+        minY = std::min(minY, b.minY);
+        sizes += (b.maxX - b.minX) + (b.maxY - b.minY);
+    }
+    double cell = sizes / static_cast<double>(boxes.size());
+    if (!(cell > 0) || !std::isfinite(cell)) cell = 1;
+    constexpr long kMaxCellsPerBox = 4096;
+    auto cellOf = [&](double v, double origin) {
+        return static_cast<long long>(std::floor((v - origin) / cell));
+    };
+    // (cell key, position) for every cell a box covers; a box over very many cells is
+    // tried against every other instead.
+    std::vector<std::pair<long long, std::size_t>> entries;
+    std::vector<std::size_t> large;
+    constexpr long long kRow = 1LL << 31;
+    for (std::size_t k = 0; k < boxes.size(); ++k) {
+        const Box& b = boxes[k];
+        long long x0 = cellOf(b.minX, minX), x1 = cellOf(b.maxX, minX);
+        long long y0 = cellOf(b.minY, minY), y1 = cellOf(b.maxY, minY);
+        if ((x1 - x0 + 1) * (y1 - y0 + 1) > kMaxCellsPerBox || x1 >= kRow || y1 >= kRow) {
+            large.push_back(k);
+            continue;
+        }
+        for (long long y = y0; y <= y1; ++y) {
+            for (long long x = x0; x <= x1; ++x)
+                entries.emplace_back(y * kRow + x, k);
+        }
+    }
+    std::sort(entries.begin(), entries.end());
+    auto meet = [&](std::size_t i, std::size_t j) {
+        const Box &a = boxes[i], &b = boxes[j];
+        return b.minX < a.maxX && b.minY < a.maxY && a.minY < b.maxY;
+    };
+    for (std::size_t from = 0; from < entries.size();) {
+        std::size_t to = from;
+        while (to < entries.size() && entries[to].first == entries[from].first)
+            ++to;
+        for (std::size_t p = from; p < to; ++p) {
+            for (std::size_t q = p + 1; q < to; ++q) {
+                std::size_t i = entries[p].second, j = entries[q].second;
+                if (!meet(i, j)) continue;
+                const Box &a = boxes[i], &b = boxes[j];
+                long long x = cellOf(std::max(a.minX, b.minX), minX),
+                          y = cellOf(std::max(a.minY, b.minY), minY);
+                if (y * kRow + x == entries[from].first) pairs.emplace_back(i, j);
+            }
+        }
+        from = to;
+    }
+    std::vector<bool> isLarge(boxes.size(), false);
+    for (std::size_t k : large)
+        isLarge[k] = true;
+    for (std::size_t k : large) {
+        for (std::size_t other = 0; other < boxes.size(); ++other) {
+            if (other == k || (isLarge[other] && other < k)) continue;
+            std::size_t i = std::min(k, other), j = std::max(k, other);
+            if (meet(i, j)) pairs.emplace_back(i, j);
+        }
+    }
+    std::sort(pairs.begin(), pairs.end());
+    return pairs;
+}
+
 }  // namespace
 
 Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
     Overlaps result;
-    // Pairs whose extents meet, by a sweep along x; only their outlines go to GEOS.
-    struct Box {
-        double minX, maxX, minY, maxY;
-        int index;
-    };
+    // Pairs whose extents meet; only their outlines go to GEOS.
     std::vector<Box> boxes;
     for (int i = 0; i < parcels.length(); ++i) {
         // The extents the entity keeps (arcs included): no outline is read for a parcel
@@ -166,12 +239,8 @@ Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
     std::sort(boxes.begin(), boxes.end(),
               [](const Box& a, const Box& b) { return a.minX < b.minX; });
     std::vector<std::pair<int, int>> pairs;
-    for (std::size_t i = 0; i < boxes.size(); ++i) {
-        for (std::size_t j = i + 1; j < boxes.size() && boxes[j].minX < boxes[i].maxX; ++j) {
-            if (boxes[j].minY < boxes[i].maxY && boxes[i].minY < boxes[j].maxY)
-                pairs.emplace_back(boxes[i].index, boxes[j].index);
-        }
-    }
+    for (const auto& [i, j] : meetingPairs(boxes))
+        pairs.emplace_back(boxes[i].index, boxes[j].index);
     if (pairs.empty()) return result;
     Geos geos;
     GEOSContextHandle_t h = geos.context();

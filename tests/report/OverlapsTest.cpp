@@ -77,6 +77,23 @@ TEST_F(OverlapsTest, OnlyLandUnderBothParcelsCounts) {
     }
 }
 
+TEST_F(OverlapsTest, EveryPairCountsOnceAmongManyParcels) {
+    // A grid of 20 x 20 parcels of 10 x 10 m sharing their edges; a parcel of 10 x 10 m
+    // over the corner where four of them meet (25 m² with each); and a park of 10 x 10 km
+    // under all of them (so under 401 x 100 m²).
+    AcDbObjectIdArray parcels;
+    for (int row = 0; row < 20; ++row) {
+        for (int column = 0; column < 20; ++column)
+            parcels.append(addRectangle(column * 10, row * 10, column * 10 + 10, row * 10 + 10));
+    }
+    parcels.append(addRectangle(55, 55, 65, 65));
+    Overlaps grid = findOverlaps(parcels, AcDbObjectId());
+    EXPECT_NEAR(grid.hectares * 10000, 100, 1e-6);
+    EXPECT_EQ(grid.handles.size(), 5u);
+    parcels.append(addRectangle(-5000, -5000, 5000, 5000));
+    EXPECT_NEAR(findOverlaps(parcels, AcDbObjectId()).hectares * 10000, 100 + 401 * 100, 1e-6);
+}
+
 TEST_F(OverlapsTest, ScopeAndIslandsBoundTheOverlap) {
     // Two parcels overlapping by 20 x 10 m; the scope takes the half of it left of x = 50.
     AcDbObjectIdArray pair;

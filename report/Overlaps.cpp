@@ -285,9 +285,10 @@ Overlaps findOverlaps(const AcDbObjectIdArray& parcels, AcDbObjectId boundary) {
         if (a == nullptr || b == nullptr) continue;
         GEOSGeometry* both = geos.intersection(a, b);
         if (geos.area(both) < kNoiseSquareMetres) continue;
-        a = withoutIslands(i, a);
-        b = withoutIslands(j, b);
-        both = a != nullptr && b != nullptr ? geos.intersection(a, b) : nullptr;
+        GEOSGeometry *ownA = withoutIslands(i, a), *ownB = withoutIslands(j, b);
+        // Without islands the intersection is the one just made.
+        if (ownA != a || ownB != b)
+            both = ownA != nullptr && ownB != nullptr ? geos.intersection(ownA, ownB) : nullptr;
         if (both != nullptr && scope != nullptr) both = geos.intersection(both, scope);
         double area = geos.area(both);
         if (area < kNoiseSquareMetres) continue;

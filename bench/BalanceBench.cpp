@@ -21,6 +21,7 @@
 #include "record/DKKeys.h"
 #include "record/RecordSession.h"
 #include "report/Balance.h"
+#include "report/DrawingAreas.h"
 #include "report/JsonWriter.h"
 #include "report/PlanReport.h"
 #include "report/TerminalWriter.h"
@@ -97,8 +98,10 @@ const BoundaryTotal kTotals[] = {FGetHArea,  FGetH1Area, FGetH11Area, FGetH2Area
                                  FGetH3Area, FGetH4Area, FGetH5Area,  FGetH9Area,
                                  FGetEArea,  FGetE1Area, FGetE2Area,  FGetE3Area};
 
-// What "kplan stats" measured before the tables.
-double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all) {
+// What "kplan stats" measured before the tables; the lists it counted and their
+// population go to within, for the tables to take as kplan stats hands them over.
+double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all,
+                   kplan::report::Counted* within = nullptr) {
     AcDbObjectIdArray counted, crossing;
     std::vector<stats::BoundaryClip::Answer> answers;
     stats::ClipOf(boundary)->classifyMany(all, answers);
@@ -119,6 +122,7 @@ double todaysStats(AcDbObjectId boundary, const AcDbObjectIdArray& all) {
     FTJDKAreaByBoundary(boundaries, counted, majors, majorAreas, classes, classAreas);
     int people = 0;
     GetGHDKAllRKSForGIS(counted, people);
+    if (within != nullptr) *within = {counted, crossing, people};
     return sum + people;
 }
 
@@ -154,10 +158,13 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
         if (state.range(0)) records.emplace();
         kplan::report::ParcelLists parcels = kplan::report::findParcels(false);
         if (!withCurrentStatus) parcels.current.removeAll();
-        benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned));
+        kplan::report::Counted within;
+        benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned, &within));
         kplan::report::Report report;
         std::string error;
-        kplan::report::buildPlanReport(parcels, d.boundary, {}, report, error);
+        kplan::report::PlanOptions options;
+        options.measured = &within;
+        kplan::report::buildPlanReport(parcels, d.boundary, options, report, error);
         std::string text = kplan::report::terminalTables(report, false) +
                            kplan::report::dumpJson(kplan::report::tablesJson(report));
         rows = 0;

@@ -14,11 +14,11 @@
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
 #include "host/kova/KovaEnt.h"
-#include "host/kova/KovaStatusBar.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/RecordSession.h"
 #include "record/XDataAccess.h"
+#include "report/DrawingAreas.h"
 #include "report/TerminalWriter.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
@@ -164,22 +164,9 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
         kova::ent::GetArea(boundary, b.boundaryHectares);
         b.boundaryHectares /= 10000;
         boundaries.append(boundary);
-        // The clipping is the long part of the run: each parcel is clipped once, on every
-        // core, in chunks so that the bar moves; the overlap tests and the totals below
-        // find the answers the session keeps.
-        KovaCad::CStatusBarControl bar;
-        bar.start(L"范围线内地块", all.length());
-        std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
-        std::vector<stats::BoundaryClip::Answer> answers;
-        const int chunk = std::max(4096, all.length() / 20);
-        for (int from = 0; from < all.length(); from += chunk) {
-            AcDbObjectIdArray part;
-            for (int i = from; i < std::min(all.length(), from + chunk); ++i)
-                part.append(all[i]);
-            clip->classifyMany(part, answers);
-            bar.step(part.length());
-        }
-        bar.end();
+        // Each parcel is clipped once, on every core, with the bar moving; the overlap
+        // tests and the totals below find the answers the session keeps.
+        report::clipParcels({&all}, boundary);
         for (AcDbObjectId id : all) {
             int lies = FIsDKAndBoundaryInter(boundary, id);
             if (lies != -1) counted.append(id);
@@ -190,6 +177,8 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     }
     b.parcels = counted.length();
     b.crossing = crossing.length();
+    b.within.counted = counted;
+    b.within.crossing = crossing;
     CStringArray majors, classes;
     AcGeDoubleArray majorAreas, classAreas;
     FTJDKAreaByBoundary(boundaries, counted, majors, majorAreas, classes, classAreas);
@@ -200,6 +189,7 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     } else {
         GetGHDKAllRKSForGIS(counted, b.population);
     }
+    b.within.population = b.population;
     return b;
 }
 

@@ -11,6 +11,7 @@
 #include "host/arx/dbmain.h"
 #include "render/BalanceTable.h"
 #include "report/Balance.h"
+#include "report/DrawingAreas.h"
 #include "report/PlanReport.h"
 
 namespace kplan::cli {
@@ -40,6 +41,7 @@ struct Balance {
     std::array<double, 12> totals{};
     std::vector<ClassArea> majorClasses, classes;
     int population = 0;
+    report::Counted within;  // the lists the totals counted, for the tables to take
 };
 
 // Closed polylines carrying the planning scope line record, the largest first, with

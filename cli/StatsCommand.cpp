@@ -181,8 +181,9 @@ report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
 bool buildTables(const StatsArgs& args, const report::ParcelLists& parcels, AcDbObjectId boundary,
                  report::AreaUnit unit, const Balance& balance, report::Report& tables,
                  std::string& error) {
-    if (!report::buildPlanReport(parcels, boundary, planOptions(args, unit), tables, error))
-        return false;
+    report::PlanOptions options = planOptions(args, unit);
+    options.measured = &balance.within;
+    if (!report::buildPlanReport(parcels, boundary, options, tables, error)) return false;
     if (!balance.olderGeneration.isEmpty()) {
         report::Warning w;
         w.kind = "left_out";

@@ -27,6 +27,7 @@ std::string englishLabel(std::string message) {
     };
     static const Known known[] = {
         {"读取 ", "reading "},
+        {"保存 ", "saving "},
         {"范围线内地块", "clipping parcels to the scope"},
         {"正在获取有编号地块，请稍候...", "finding numbered parcels"},
         {"请稍候...", "clipping"},

@@ -25,11 +25,13 @@ std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId 
     bool split = options.balance.mixed == MixedCodes::Split;
     // A plan without current-status parcels costs no clipping or overlap search for them.
     if (options.currentOnly || !parcels.current.isEmpty()) {
-        Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split);
+        Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split,
+                                         options.currentOnly ? options.measured : nullptr);
         if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
     }
     if (!options.currentOnly)
-        measured.push_back(measureParcels(parcels.planned, boundary, Scenario::Planned, split));
+        measured.push_back(
+            measureParcels(parcels.planned, boundary, Scenario::Planned, split, options.measured));
     if (options.population >= 0) measured.back().population = options.population;
     return measured;
 }
@@ -51,6 +53,7 @@ bool buildSections(const ParcelLists& parcels, const std::string& by, const Plan
     }
     PlanOptions own = options;
     own.population = -1;
+    own.measured = nullptr;
     for (AcDbObjectId id : outlines) {
         Section section;
         section.kind = by;

@@ -7,6 +7,7 @@
 
 #include "host/arx/dbmain.h"
 #include "report/Balance.h"
+#include "report/DrawingAreas.h"
 
 namespace kplan::report {
 
@@ -21,6 +22,9 @@ struct PlanOptions {
     BalanceOptions balance;
     bool currentOnly = false;  // the current-status parcels alone (no plan)
     long population = -1;      // of the plan (or of current status alone); -1: FN_ZRKS
+    // The statistics of the run measured the plan (or current status alone) within the
+    // same boundary already: their lists and population are taken, not asked again.
+    const Counted* measured = nullptr;
 };
 
 // The column groups of the tables: 现状 where current-status parcels lie within the

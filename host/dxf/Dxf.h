@@ -54,7 +54,8 @@ bool read(std::istream& in, AcDbDatabase& database, std::string& error,
 // Writes the drawing to a temporary file beside the target, flushes it and renames
 // it over the target, keeping the previous file as <path>.bak (one generation: an older
 // .bak is replaced). A symbolic link stays a link and the file it points to is replaced.
-// On failure the target is as it was.
+// On failure the target is as it was. The progress bar (host/db/Progress.h) shows the
+// objects written.
 bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
           const SaveOptions& options = {});
 bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,

@@ -18,6 +18,7 @@
 #include "host/arx/dbents.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
@@ -50,6 +51,8 @@ class Saver {
           ctx_(database, file_, out, DxfStrings(version_, file_ ? file_->codePage : "ANSI_936")) {}
 
     bool run();
+    // Shows the progress bar under message while run writes, a step per object.
+    void showProgress(std::wstring message) { progressMessage_ = std::move(message); }
 
   private:
     std::string chooseVersion(const SaveOptions& options) const {
@@ -80,6 +83,9 @@ class Saver {
 
     const AcDbDatabase& database_;
     const FileData* file_;
+    std::wstring progressMessage_;
+    bool progressShown_ = false;
+    std::size_t objectsWritten_ = 0;
     std::string version_;
     WriteContext ctx_;
     std::uint64_t nextHandle_ = 0;
@@ -293,6 +299,10 @@ void Saver::writeHead(const AcDbObject& obj, std::string_view dxfName, const Obj
 
 void Saver::writeObject(const AcDbObject& obj, const std::string* tableName) {
     written_.insert(obj.stub());
+    // A step now and then: the sink's call costs more than writing a small object.
+    constexpr std::size_t kObjectsPerStep = 1024;
+    if (progressShown_ && ++objectsWritten_ % kObjectsPerStep == 0)
+        db::progressSink().step(static_cast<long>(objectsWritten_));
     const ObjectRecord* record = ctx_.record(&obj);
     if (const Codec* codec = codecOf(obj)) {
         writeHead(obj, tableName ? "TABLE" : codec->dxfName, record, tableName);
@@ -662,6 +672,18 @@ void Saver::writeKept(const std::string& name) {
 }
 
 bool Saver::run() {
+    struct Bar {
+        bool& shown;
+        ~Bar() {
+            if (shown) db::progressSink().end();
+            shown = false;
+        }
+    } bar{progressShown_};
+    if (!progressMessage_.empty()) {
+        // Every object is written once at most: the stubs bound the steps.
+        db::progressSink().start(progressMessage_, static_cast<long>(database_.stubs().size()));
+        progressShown_ = true;
+    }
     plan();
     std::vector<std::string> order;
     if (file_) order = file_->sectionOrder;
@@ -713,8 +735,9 @@ bool Saver::run() {
     return ctx_.out.flush() && nextHandle_ <= handseed_;
 }
 
+// progress: the name the progress bar shows; empty for none.
 bool writeTo(const AcDbDatabase& database, TagWriter& out, std::string& error,
-             const SaveOptions& options) {
+             const SaveOptions& options, const std::string& progress = {}) {
     const std::string& v = options.version;
     if (!v.empty() && !(v == "AC1015" || v == "AC1018" || v == "AC1021" || v == "AC1024" ||
                         v == "AC1027" || v == "AC1032")) {
@@ -722,6 +745,7 @@ bool writeTo(const AcDbDatabase& database, TagWriter& out, std::string& error,
         return false;
     }
     Saver saver(database, out, options);
+    if (!progress.empty()) saver.showProgress(L"保存 " + db::utf8ToWide(progress));
     if (!saver.run()) {
         if (error.empty()) error = "the drawing could not be written";
         return false;
@@ -817,7 +841,7 @@ bool save(const AcDbDatabase& database, const std::string& named, std::string& e
             }
             return true;
         });
-        bool ok = writeTo(database, writer, error, options);
+        bool ok = writeTo(database, writer, error, options, named);
         if (!ok && writeErrno)
             error = systemError(path + ": the drawing could not be written", writeErrno);
         if (ok && ::fsync(fd) != 0) {

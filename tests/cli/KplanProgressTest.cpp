@@ -2,6 +2,7 @@
 // and every byte it draws there is recorded.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -10,7 +11,14 @@
 #include <utility>
 #include <vector>
 
+#include "host/arx/acdocman.h"
+#include "host/arx/dbpl.h"
+#include "host/dxf/Dxf.h"
+#include "host/kova/ArxDataXData.h"
+#include "host/kova/KovaEnt.h"
+#include "record/DKKeys.h"
 #include "tests/cli/RunKplan.h"
+#include "tests/support/Shapes.h"
 
 namespace {
 
@@ -18,17 +26,19 @@ namespace fs = std::filesystem;
 
 const std::string kSample = std::string(KPLAN_SOURCE_DIR) + "/data/samples/sample-plan.dxf";
 
-// What kplan stats wrote to a terminal `columns` wide, with `environment` set.
+// What kplan wrote to a terminal `columns` wide, with `environment` set: stats of the
+// sample, or the command given.
 std::string drawnOnTerminal(int columns, const std::string& environment,
-                            const std::string& options = "") {
+                            const std::string& options = "",
+                            const std::string& command = "stats '" + kSample + "'") {
     std::string folder = testFolder() + "/tmux-" + std::to_string(columns);
     fs::remove_all(folder);
     fs::create_directories(folder);
     std::string tmux = "tmux -S '" + folder + "/socket' ";
     // The program waits for "go" so that recording starts before it does.
     std::string script = "cd '" + folder + "'; while [ ! -e go ]; do sleep 0.05; done; env " +
-                         environment + " '" + KPLAN_EXE + "' stats " + options + " '" + kSample +
-                         "' >/dev/null; touch done; sleep 30";
+                         environment + " '" + KPLAN_EXE + "' " + command + " " + options +
+                         " >/dev/null; touch done; sleep 30";
     std::string start = tmux + "new-session -d -s bar -x " + std::to_string(columns) +
                         " -y 10 \"sh -c \\\"" + script + "\\\"\"";
     if (std::system(start.c_str()) != 0) return "tmux did not start";
@@ -91,6 +101,81 @@ TEST(KplanProgressTest, BarFitsTheTerminalAndSpeaksEnglish) {
         // No colour: the only escape sequence is the one that clears the line.
         EXPECT_EQ(drawn.find("\033[0m"), std::string::npos);
         EXPECT_EQ(drawn.find("m\033"), std::string::npos);
+    }
+}
+
+// 22,500 planned parcels of 20 x 20 m under a scope line shaped as a comb: a tooth 10 m
+// wide runs up through every column of parcels, so that every parcel is clipped.
+const std::string& combPlan() {
+    static const std::string path = [] {
+        AcApDocument* document = acDocManager->appendDocument();
+        constexpr int kSide = 150;
+        constexpr double kCell = 20, kTop = kSide * kCell + 10;
+        auto* comb = new AcDbPolyline();
+        auto add = [&](double x, double y) {
+            comb->addVertexAt(comb->numVerts(), AcGePoint2d(x, y));
+        };
+        add(0, -20);
+        add(kSide * kCell, -20);
+        for (int i = kSide - 1; i >= 0; --i) {
+            add(i * kCell + 15, -10);
+            add(i * kCell + 15, kTop);
+            add(i * kCell + 5, kTop);
+            add(i * kCell + 5, -10);
+        }
+        add(0, -10);
+        comb->setClosed(true);
+        AcDbEntity* entity = comb;
+        AcDbObjectId scope = kova::ent::SafeAddToDb(entity);
+        ARX_DATA::CFGisXData::SetTo(scope, dk::FAPP_GHFWX, L"", L"规划范围线");
+        for (int row = 0; row < kSide; ++row) {
+            for (int column = 0; column < kSide; ++column) {
+                AcDbObjectId id = addClosedRectangle(column * kCell, row * kCell,
+                                                     (column + 1) * kCell, (row + 1) * kCell);
+                ARX_DATA::CFGisXData::SetTo(id, dk::FAPP_GHDK, L"", dk::TYPE_KGDK);
+                ARX_DATA::CFGisXData::SetTo(id, dk::FS_DKXZ, L"R21", dk::FAPP_GHDK);
+            }
+        }
+        std::string made = testFolder() + "/comb.dxf";
+        std::string error;
+        EXPECT_TRUE(dxf::save(*document->database(), made, error)) << error;
+        acDocManager->closeDocument(document);
+        return made;
+    }();
+    return path;
+}
+
+// The percentages a bar whose line starts with label showed.
+std::vector<int> percentsOf(const std::vector<std::string>& lines, const std::string& label) {
+    std::vector<int> percents;
+    for (const std::string& line : lines) {
+        std::size_t sign = line.rfind('%');
+        if (line.rfind(label, 0) != 0 || sign == std::string::npos || sign < 3) continue;
+        percents.push_back(std::atoi(line.substr(sign - 3, 3).c_str()));
+    }
+    return percents;
+}
+
+TEST(KplanProgressTest, TheBarMovesWhileClippingAndWhileSaving) {
+    const std::string& plan = combPlan();
+    std::vector<std::string> lines =
+        shownLines(drawnOnTerminal(100, "TERM=xterm", "", "stats '" + plan + "'"));
+    std::vector<int> clipping = percentsOf(lines, "clipping parcels to the scope");
+    ASSERT_FALSE(clipping.empty());
+    EXPECT_TRUE(std::any_of(clipping.begin(), clipping.end(), [](int p) {
+        return p > 0 && p < 100;
+    })) << ::testing::PrintToString(clipping);
+
+    std::string out = testFolder() + "/comb-again.dxf";
+    lines =
+        shownLines(drawnOnTerminal(100, "TERM=xterm", "", "convert '" + plan + "' '" + out + "'"));
+    std::vector<int> saving = percentsOf(lines, "saving ");
+    ASSERT_FALSE(saving.empty()) << ::testing::PrintToString(lines);
+    EXPECT_TRUE(fs::exists(out));
+    for (const std::string& line : lines) {
+        if (line.rfind("saving ", 0) == 0) {
+            EXPECT_NE(line.find("comb-again.dxf"), std::string::npos) << line;
+        }
     }
 }
 

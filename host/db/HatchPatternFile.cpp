@@ -68,11 +68,7 @@ std::string defaultFolder() {
         candidates.push_back(dir / "data" / "patterns");
         candidates.push_back(dir / ".." / "data" / "patterns");
     }
-    // This file lies in host/db of the source tree.
-    fs::path source = fs::path(__FILE__);
-    if (source.is_absolute())
-        candidates.push_back(source.parent_path().parent_path().parent_path() / "data" /
-                             "patterns");
+    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "patterns");
     for (const fs::path& c : candidates) {
         if (isDirectory(c)) return c.lexically_normal().string();
     }

@@ -57,12 +57,7 @@ std::wstring searchDefaultRoot() {
         candidates.push_back(exeDir / "data" / "standards");
         candidates.push_back(exeDir / ".." / "data" / "standards");
     }
-    // This file lies in host/kova of the source tree.
-    fs::path source = fs::path(__FILE__);
-    if (source.is_absolute()) {
-        candidates.push_back(source.parent_path().parent_path().parent_path() / "data" /
-                             "standards");
-    }
+    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "standards");
     for (const fs::path& c : candidates) {
         if (isDirectory(c)) return fromPath(c.lexically_normal());
     }

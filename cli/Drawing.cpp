@@ -198,14 +198,27 @@ std::string samplePlanPath() {
     candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "samples");
     for (const fs::path& dir : candidates) {
         fs::path plan = (dir / "sample-plan.dxf").lexically_normal();
-        if (!exists(plan, false)) continue;
-        // Shown as the user would type it from where they are.
-        fs::path here = fs::current_path(ec);
-        fs::path relative = ec ? fs::path() : plan.lexically_relative(here);
-        bool inside = !relative.empty() && *relative.begin() != "..";
-        return inside ? relative.string() : plan.string();
+        if (exists(plan, false)) return shownPath(plan.string());
     }
     return {};
+}
+
+std::string shownPath(const std::string& path) {
+    std::error_code ec;
+    fs::path whole = fs::absolute(fs::path(path), ec).lexically_normal();
+    if (ec) return path;
+    fs::path here = fs::current_path(ec);
+    fs::path relative = ec ? fs::path() : whole.lexically_relative(here);
+    bool inside = !relative.empty() && *relative.begin() != "..";
+    return inside ? relative.string() : whole.string();
+}
+
+std::string classTableShown() {
+    CString table;
+    if (CKovaDataSet::FGetGStandardOneFilePath(table, L"用地分类\\", CKovaDataSet::FGetCurYDLB(),
+                                               CKovaDataSet::FGetStandardName(), 1) == 1)
+        return shownPath(table.ToUtf8());
+    return CKovaDataSet::FGetCurYDLB().ToUtf8();
 }
 
 LoadedDrawing::~LoadedDrawing() {

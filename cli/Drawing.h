@@ -43,6 +43,14 @@ bool applyStandard(const StandardOptions& options, std::string& error);
 // The sample plan shipped with kplan; empty when it cannot be found.
 std::string samplePlanPath();
 
+// A file's path as the user would type it from where they are: relative when it lies
+// below the working folder, whole otherwise.
+std::string shownPath(const std::string& path);
+
+// The class table the current standard reads, as shownPath gives it; its bare name when
+// it cannot be found.
+std::string classTableShown();
+
 // A drawing loaded from DXF as the current document, closed again with this object.
 class LoadedDrawing {
   public:

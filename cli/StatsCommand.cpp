@@ -77,7 +77,7 @@ void printTable(std::ostream& out, const StatsArgs& args, const std::string& pat
     bool en = args.lang == "en";
     out << (en ? "drawing: " : "图纸：") << path << "\n";
     out << (en ? "standard: " : "标准：") << CKovaDataSet::FGetStandardName().ToUtf8()
-        << (en ? ", class table: " : "，类别表：") << CKovaDataSet::FGetCurYDLB().ToUtf8() << "\n";
+        << (en ? ", class table: " : "，类别表：") << classTableShown() << "\n";
     if (b.boundary.isNull()) {
         out << (en ? "boundary: none, the whole drawing\n" : "范围线：无，统计全图\n");
     } else {
@@ -137,6 +137,7 @@ nlohmann::json statsJson(const std::string& path, const Balance& b, const report
     out["drawing"] = path;
     out["standard"] = CKovaDataSet::FGetStandardName().ToUtf8();
     out["class_table"] = CKovaDataSet::FGetCurYDLB().ToUtf8();
+    out["class_table_file"] = classTableShown();
     out["boundary"] = b.boundary.isNull() ? json()
                                           : json{{"handle", handleText(b.boundary)},
                                                  {"area_ha", b.boundaryHectares}};

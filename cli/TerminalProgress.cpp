@@ -94,7 +94,10 @@ int TerminalProgress::columns() const {
 void TerminalProgress::draw(bool force) {
     int percent = total_ > 0 ? static_cast<int>(position_ * 100 / total_) : 0;
     auto now = std::chrono::steady_clock::now();
-    if (!force && (percent == lastPercent_ || now - lastDraw_ < kInterval)) return;
+    // Redrawn at most every interval, and at every tenth, so that a quick step still shows
+    // the bar moving.
+    bool nextTenth = lastPercent_ >= 0 && percent / 10 != lastPercent_ / 10;
+    if (!force && (percent == lastPercent_ || (now - lastDraw_ < kInterval && !nextTenth))) return;
     lastPercent_ = percent;
     lastDraw_ = now;
     // The last column stays free: a line that fills it wraps on some terminals.

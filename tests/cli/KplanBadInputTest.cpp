@@ -64,6 +64,16 @@ TEST(KplanBadInputTest, StandardAsAPathIsTheFolderRead) {
         nlohmann::json rows = nlohmann::json::parse(run.out);
         ASSERT_FALSE(rows.empty());
         EXPECT_EQ(rows[0]["class_name"], "自定住宅");
+        // The header names the file read, whole (the test folder is not below the
+        // working folder of the test).
+        Outcome stats = kplan("stats '" + kSample + "' --format json " + options);
+        ASSERT_EQ(stats.exitCode, 0) << stats.err;
+        nlohmann::json header = nlohmann::json::parse(stats.out);
+        EXPECT_EQ(header["class_table_file"], fs::path(path).lexically_normal().string());
+        Outcome table = kplan("stats '" + kSample + "' " + options);
+        EXPECT_NE(table.out.find("，类别表：" + fs::path(path).lexically_normal().string() + "\n"),
+                  std::string::npos)
+            << table.out;
     }
     Outcome missing = kplan("list '" + kSample + "' --standard /nonexistent/std");
     EXPECT_EQ(missing.exitCode, 1);

@@ -157,10 +157,10 @@ TEST(KplanStatsTest, BalanceWithinTheScopeLineMatchesTheGeometry) {
         Json json = statsJson(c.options, run);
         ASSERT_EQ(run.exitCode, 0) << run.err;
         // The keys of before keep their meaning; the balance tables come as new keys.
-        EXPECT_EQ(json.keys(),
-                  (std::vector<std::string>{"balance", "boundary", "class_table", "classes",
-                                            "drawing", "major_classes", "parcels", "population",
-                                            "schema", "standard", "tables", "totals", "warnings"}));
+        EXPECT_EQ(json.keys(), (std::vector<std::string>{
+                                   "balance", "boundary", "class_table", "class_table_file",
+                                   "classes", "drawing", "major_classes", "parcels", "population",
+                                   "schema", "standard", "tables", "totals", "warnings"}));
         EXPECT_EQ(json["schema"].number(), 2);
         EXPECT_EQ(json["drawing"].string(), drawing().path);
         EXPECT_EQ(json["standard"].string(), "通用国标");

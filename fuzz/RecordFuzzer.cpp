@@ -8,10 +8,12 @@
 // fields gives what one read per field gives.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -188,41 +190,52 @@ void setXdata(AcDbObjectId id, db::ValueList values) {
     object->close();
 }
 
+db::ValueList xdataOf(AcDbObjectId id) {
+    AcDbObject* object = nullptr;
+    if (acdbOpenObject(object, id, AcDb::kForRead) != Acad::eOk) std::abort();
+    db::ValueList values = object->xdataValues();
+    object->close();
+    return values;
+}
+
 [[noreturn]] void fault(const char* what, const CString& detail = CString()) {
     std::fprintf(stderr, "%s: %s\n", what, detail.ToUtf8().c_str());
     std::abort();
 }
 
 // What the readers make of the parcel, as text, so that two readings compare as one.
-CString readAll(const Drawing& d, const CStringArray& keys) {
-    CString out;
+std::wstring readAll(const Drawing& d, const CStringArray& keys) {
+    std::wstring out;
     auto add = [&out](int result, const CString& value) {
-        out.AppendFormat(L"%d[", result);
-        out += value;
-        out += L"]";
+        out += std::to_wstring(result) + L"[" + value.GetString() + L"]";
     };
     auto addNumber = [&out](int result, double value) {
-        out.AppendFormat(L"%d[%.17g]", result, value);
+        // The shortest text that reads back to the same double: equal texts, equal areas.
+        char text[32];
+        char* end = std::to_chars(text, text + sizeof text, value).ptr;
+        out += std::to_wstring(result) + L"[" + std::wstring(text, end) + L"]";
     };
     auto addList = [&out](int result, const CStringArray& list) {
-        out.AppendFormat(L"%d{", result);
-        for (const CString& item : list) {
-            out += item;
-            out += L"|";
-        }
+        out += std::to_wstring(result) + L"{";
+        for (const CString& item : list)
+            out += std::wstring(item.GetString()) + L"|";
         out += L"}";
     };
     auto addIds = [&out](int result, const AcDbObjectIdArray& ids) {
-        out.AppendFormat(L"%d{", result);
+        out += std::to_wstring(result) + L"{";
         for (AcDbObjectId id : ids)
-            out += handleOf(id).c_str();
+            out += handleOf(id) + L"|";
         out += L"}";
+    };
+    auto addFlags = [&out](std::initializer_list<int> flags) {
+        for (int flag : flags)
+            out += std::to_wstring(flag);
+        out += L" ";
     };
 
     CDKBJXDInfo parcel(d.parcel);
-    out.AppendFormat(L"kind %d%d%d%d ver %d std %d ", parcel.IsDkbj(), parcel.IsXZDkbj(),
-                     parcel.IsGHDxkj(), parcel.IsXZDxkj(), CheckDKDataVer(d.parcel),
-                     FIsNewStandardDK(d.parcel));
+    addFlags({parcel.IsDkbj(), parcel.IsXZDkbj(), parcel.IsGHDxkj(), parcel.IsXZDxkj(),
+              CheckDKDataVer(d.parcel), FIsNewStandardDK(d.parcel)});
     CString app;
     add(FGetEntAppName(d.parcel, app), app);
     for (const CString& key : keys) {
@@ -259,12 +272,21 @@ CString readAll(const Drawing& d, const CStringArray& keys) {
     addList(legacy.GetData(legacyValues, area, islands), legacyValues);
     addNumber(legacy.GetArea(area), area);
 
+    // Units and blocks are read bound with SetObject: constructing from an id stamps the
+    // record, a write.
     CStringArray labels;
     addList(CDKTCInfo(d.parcel).GetData(labels, values), values);
-    addList(CDYBJInfo(d.parcel).GetData(labels, values), values);
-    addNumber(CDYBJInfo(d.parcel).GetArea(area), area);
-    addList(CJFBJInfo(d.parcel).GetData(labels, values), values);
-    addNumber(CJFBJInfo(d.parcel).GetArea(area), area);
+    CDYBJInfo unit;
+    unit.SetObject(d.parcel);
+    addList(unit.GetData(labels, values), values);
+    addNumber(unit.GetArea(area), area);
+    CJFBJInfo block;
+    block.SetObject(d.parcel);
+    addList(block.GetData(labels, values), values);
+    addNumber(block.GetArea(area), area);
+    CDKTCInfo hatch(d.parcel);
+    addFlags({unit.IsDybj(), block.IsJfbj(), CJZBJInfo(d.parcel).IsJZbj(), hatch.IsDktc(),
+              hatch.IsDksktc()});
     addList(CJZBJInfo(d.parcel).GetData(labels, values), values);
     addNumber(CJZBJInfo(d.parcel).GetArea(area), area);
     CString line;
@@ -302,16 +324,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         keys.Add(text(in, d).c_str());
 
     db::LeakCounts before = db::leakCounts();
-    CString plain = readAll(d, keys);
+    db::ValueList parcelData = xdataOf(d.parcel), islandData = xdataOf(d.island);
+    std::wstring plain = readAll(d, keys);
+    if (xdataOf(d.parcel) != parcelData || xdataOf(d.island) != islandData)
+        fault("a reader changed the xdata");
     if (db::leakCounts() != before)
         fault("a reader left something open",
               CString(db::describeLeaks(before, db::leakCounts()).c_str()));
     {
         dk::RecordSession session;
-        CString first = readAll(d, keys);
-        CString again = readAll(d, keys);
-        if (first != plain) fault("a session reads otherwise", plain + L"\n" + first);
-        if (again != plain) fault("a session's second read differs", plain + L"\n" + again);
+        std::wstring first = readAll(d, keys);
+        std::wstring again = readAll(d, keys);
+        if (first != plain) fault("a session reads otherwise", (plain + L"\n" + first).c_str());
+        if (again != plain)
+            fault("a session's second read differs", (plain + L"\n" + again).c_str());
     }
 
     // Told its generation, a read gives what asking for it gives; the bulk read of the

@@ -802,6 +802,13 @@ bool Loader::gatherEntity(const TagView& first, EntityBatch& batch) {
         std::string_view childType = trimmed(t.value);
         if (t.code != 0 ||
             (childType != "VERTEX" && childType != "ATTRIB" && childType != "SEQEND")) {
+            // With recover, the next object ends it, as the end of the file does.
+            if (recover_ && t.code == 0) {
+                warn(t.line, "no \"0 SEQEND\" after the " + std::string(type) + " before " +
+                                 describe(t) + ": it ends there");
+                unread(t);
+                return true;
+            }
             return fail(t.line, "expected \"0 SEQEND\" after the " + std::string(type) +
                                     ", found " + describe(t));
         }

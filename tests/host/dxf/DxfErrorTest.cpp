@@ -305,3 +305,45 @@ TEST(DxfErrorTest, ATableHeadKeptAsReadLeavesTheDrawingItsOwnTable) {
 }
 
 }  // namespace
+
+namespace {
+
+// With recover, a POLYLINE without its "0 SEQEND" ends where the next object begins, as
+// it ends at the end of the file; what is saved then reads back (it once did not).
+TEST(DxfErrorTest, APolylineWithoutItsSeqendEndsAtTheNextObject) {
+    std::string text = kHead + tags({{0, "POLYLINE"},
+                                     {8, "0"},
+                                     {66, "1"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {0, "VERTEX"},
+                                     {8, "0"},
+                                     {10, "1"},
+                                     {20, "2"},
+                                     {0, "LINE"},
+                                     {8, "0"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {11, "1"},
+                                     {21, "1"},
+                                     {0, "ENDSEC"},
+                                     {0, "EOF"}});
+    std::string error;
+    EXPECT_EQ(dxftest::loadText(text, error), nullptr);
+    EXPECT_EQ(error,
+              "test.dxf: line 23: expected \"0 SEQEND\" after the POLYLINE, found \"0 LINE\"");
+    dxf::ReadOptions recover;
+    recover.recover = true;
+    auto database = dxftest::loadText(text, error, recover);
+    ASSERT_TRUE(database) << error;
+    EXPECT_EQ(dxf::readReport(*database).warnings,
+              std::vector<std::string>{"test.dxf: line 23: no \"0 SEQEND\" after the POLYLINE "
+                                       "before \"0 LINE\": it ends there"});
+    auto* space = arx::peek<AcDbBlockTableRecord>(database->modelSpaceId());
+    ASSERT_NE(space, nullptr);
+    EXPECT_EQ(space->entityIds().size(), 2u);
+    std::string saved = dxftest::saveText(*database);
+    EXPECT_NE(dxftest::loadText(saved, error, recover), nullptr) << error;
+}
+
+}  // namespace

@@ -699,12 +699,16 @@ bool Loader::readTables() {
         if (!numbersOk()) return false;
         file_->tables.push_back(tableId);
         if (head == nullptr) file_->tableNames[tableId.stub()] = tableName;
-        if (tableName == "LAYER") layerTable_ = tableId;
-        if (tableName == "LTYPE") linetypeTable_ = tableId;
-        if (tableName == "APPID") appTable_ = tableId;
-        if (tableName == "BLOCK_RECORD") blockTable_ = tableId;
-        setWellKnown();
         auto* typed = arx::peek<AcDbSymbolTable>(tableId);
+        // A head kept as read (recover: a number in it is none) is not the drawing's table
+        // of its kind: the drawing makes a typed one of its own when it needs it.
+        if (typed) {
+            if (tableName == "LAYER") layerTable_ = tableId;
+            if (tableName == "LTYPE") linetypeTable_ = tableId;
+            if (tableName == "APPID") appTable_ = tableId;
+            if (tableName == "BLOCK_RECORD") blockTable_ = tableId;
+        }
+        setWellKnown();
         reader_.release();
         for (;;) {
             if (!next(t)) return endsHere("\"0 ENDTAB\"");
@@ -798,6 +802,13 @@ bool Loader::gatherEntity(const TagView& first, EntityBatch& batch) {
         std::string_view childType = trimmed(t.value);
         if (t.code != 0 ||
             (childType != "VERTEX" && childType != "ATTRIB" && childType != "SEQEND")) {
+            // With recover, the next object ends it, as the end of the file does.
+            if (recover_ && t.code == 0) {
+                warn(t.line, "no \"0 SEQEND\" after the " + std::string(type) + " before " +
+                                 describe(t) + ": it ends there");
+                unread(t);
+                return true;
+            }
             return fail(t.line, "expected \"0 SEQEND\" after the " + std::string(type) +
                                     ", found " + describe(t));
         }

@@ -1,5 +1,6 @@
 #include "host/dxf/TagReader.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <sstream>
@@ -11,6 +12,10 @@ namespace dxf {
 
 namespace {
 
+// Chunks grow from the first size to the last by doubling: a small file costs little
+// memory (and little fresh memory, which costs page faults), a large one is read in
+// chunks of the size that reads it fastest.
+constexpr std::size_t kFirstChunkSize = 1 << 14;
 constexpr std::size_t kChunkSize = 1 << 20;
 
 // Released chunks are kept for reuse, as fresh memory costs page faults; under the
@@ -56,7 +61,8 @@ std::string shown(std::string_view s) {
 
 }  // namespace
 
-TagReader::TagReader(std::istream& in, std::string name) : in_(in), name_(std::move(name)) {}
+TagReader::TagReader(std::istream& in, std::string name)
+    : in_(in), name_(std::move(name)), nextChunkSize_(kFirstChunkSize) {}
 
 void TagReader::fail(std::size_t line, const std::string& what) {
     inPlace_ = false;
@@ -70,21 +76,25 @@ std::string TagReader::where(std::size_t line) const {
 
 bool TagReader::refill() {
     if (eof_) return false;
+    // What is left of the last chunk (a line at most) is carried over: there is always
+    // room for more after it.
+    std::size_t carried = chunks_.empty() ? 0 : chunks_.back().size - pos_;
+    std::size_t wanted = (std::min)(kChunkSize, carried + nextChunkSize_);
+    nextChunkSize_ = (std::min)(kChunkSize, nextChunkSize_ * 2);
     Chunk chunk;
-    if (!spare_.empty()) {
+    if (!spare_.empty() && spare_.back().capacity >= wanted) {
         chunk = std::move(spare_.back());
         spare_.pop_back();
     } else {
-        chunk.data.reset(new char[kChunkSize]);
+        chunk.data.reset(new char[wanted]);
+        chunk.capacity = wanted;
     }
-    std::size_t carried = 0;
     if (!chunks_.empty()) {
         Chunk& last = chunks_.back();
-        carried = last.size - pos_;
         std::memcpy(chunk.data.get(), last.data.get() + pos_, carried);
         last.size = pos_;
     }
-    in_.read(chunk.data.get() + carried, static_cast<std::streamsize>(kChunkSize - carried));
+    in_.read(chunk.data.get() + carried, static_cast<std::streamsize>(chunk.capacity - carried));
     std::size_t got = static_cast<std::size_t>(in_.gcount());
     if (got == 0) {
         eof_ = true;

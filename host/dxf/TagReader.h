@@ -111,6 +111,7 @@ class TagReader {
     struct Chunk {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;
+        std::size_t capacity = 0;
         std::uint64_t serial = 0;
     };
     bool nextSlow(TagView& tag);
@@ -134,7 +135,8 @@ class TagReader {
     bool wideCodes_ = true;         // binary: 2-byte group codes (R13 on)
     std::deque<std::string> text_;  // binary: values made text, until release()
     std::uint64_t bytesRead_ = 0;
-    std::uint64_t serial_ = 0;  // of the last chunk made
+    std::uint64_t serial_ = 0;   // of the last chunk made
+    std::size_t nextChunkSize_;  // of the next chunk made; they grow
     std::function<void(std::uint64_t)> onChunk_;
 };
 

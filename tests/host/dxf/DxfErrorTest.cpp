@@ -257,3 +257,93 @@ TEST(DxfErrorTest, APolylineWithABadVertexIsKeptWhole) {
 }
 
 }  // namespace
+
+namespace {
+
+// With recover, a table head whose number is none is kept as read; the drawing still gets
+// the typed table of that kind it needs (the reader once took the kept head for it, and
+// crashed on it).
+TEST(DxfErrorTest, ATableHeadKeptAsReadLeavesTheDrawingItsOwnTable) {
+    for (const char* name : {"LAYER", "LTYPE", "APPID", "BLOCK_RECORD"}) {
+        SCOPED_TRACE(name);
+        std::string text = tags({{0, "SECTION"},
+                                 {2, "TABLES"},
+                                 {0, "TABLE"},
+                                 {2, name},
+                                 {70, "four"},
+                                 {0, "ENDTAB"},
+                                 {0, "ENDSEC"},
+                                 {0, "SECTION"},
+                                 {2, "ENTITIES"},
+                                 {0, "LINE"},
+                                 {8, "0"},
+                                 {10, "0"},
+                                 {20, "0"},
+                                 {11, "1"},
+                                 {21, "1"},
+                                 {0, "ENDSEC"},
+                                 {0, "EOF"}});
+        std::string error;
+        EXPECT_EQ(dxftest::loadText(text, error), nullptr);
+        EXPECT_EQ(error, "test.dxf: line 9: group code 70: expected a number, found \"four\"");
+        dxf::ReadOptions recover;
+        recover.recover = true;
+        auto database = dxftest::loadText(text, error, recover);
+        ASSERT_TRUE(database) << error;
+        EXPECT_EQ(dxf::readReport(*database).warnings.size(), 1u);
+        auto* layers = arx::peek<AcDbLayerTable>(database->layerTableId());
+        ASSERT_NE(layers, nullptr);
+        EXPECT_TRUE(layers->has(L"0"));
+        ASSERT_NE(arx::peek<AcDbBlockTable>(database->blockTableId()), nullptr);
+        auto* space = arx::peek<AcDbBlockTableRecord>(database->modelSpaceId());
+        ASSERT_NE(space, nullptr);
+        EXPECT_EQ(space->entityIds().size(), 1u);
+        // What it saves reads back.
+        std::string saved = dxftest::saveText(*database);
+        EXPECT_NE(dxftest::loadText(saved, error), nullptr) << error;
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// With recover, a POLYLINE without its "0 SEQEND" ends where the next object begins, as
+// it ends at the end of the file; what is saved then reads back (it once did not).
+TEST(DxfErrorTest, APolylineWithoutItsSeqendEndsAtTheNextObject) {
+    std::string text = kHead + tags({{0, "POLYLINE"},
+                                     {8, "0"},
+                                     {66, "1"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {0, "VERTEX"},
+                                     {8, "0"},
+                                     {10, "1"},
+                                     {20, "2"},
+                                     {0, "LINE"},
+                                     {8, "0"},
+                                     {10, "0"},
+                                     {20, "0"},
+                                     {11, "1"},
+                                     {21, "1"},
+                                     {0, "ENDSEC"},
+                                     {0, "EOF"}});
+    std::string error;
+    EXPECT_EQ(dxftest::loadText(text, error), nullptr);
+    EXPECT_EQ(error,
+              "test.dxf: line 23: expected \"0 SEQEND\" after the POLYLINE, found \"0 LINE\"");
+    dxf::ReadOptions recover;
+    recover.recover = true;
+    auto database = dxftest::loadText(text, error, recover);
+    ASSERT_TRUE(database) << error;
+    EXPECT_EQ(dxf::readReport(*database).warnings,
+              std::vector<std::string>{"test.dxf: line 23: no \"0 SEQEND\" after the POLYLINE "
+                                       "before \"0 LINE\": it ends there"});
+    auto* space = arx::peek<AcDbBlockTableRecord>(database->modelSpaceId());
+    ASSERT_NE(space, nullptr);
+    EXPECT_EQ(space->entityIds().size(), 2u);
+    std::string saved = dxftest::saveText(*database);
+    EXPECT_NE(dxftest::loadText(saved, error, recover), nullptr) << error;
+}
+
+}  // namespace

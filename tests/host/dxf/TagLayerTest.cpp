@@ -40,9 +40,13 @@ TEST(TagReaderTest, ReadsTagsWhateverTheLineEndsAndPadding) {
 }
 
 TEST(TagReaderTest, TagsAcrossChunkBoundariesStayIntact) {
-    // Values straddle the reader's 1 MiB chunks; every one must come back whole.
+    // Values straddle the reader's chunks (16 KB growing to 1 MiB), one of them longer
+    // than the first few chunks together; every one must come back whole.
     std::string text;
     Tags expected;
+    std::string longValue(300 * 1024, 'y');
+    text += "1\n" + longValue + "\n";
+    expected.emplace_back(1, longValue);
     for (int i = 0; text.size() < 3u * 1024 * 1024; ++i) {
         std::string value =
             "value-" + std::to_string(i) + std::string(static_cast<std::size_t>(i % 97), 'x');

@@ -194,7 +194,7 @@ class GdalIndexTest : public ::testing::Test {
             Box box{x, x + size(random), y, y + size(random)};
             OGRFeature feature(layer->GetLayerDefn());
             // A feature without geometry and one with an empty polygon have no box.
-            if (i == 100) feature.SetGeometry(new OGRPolygon());
+            if (i == 100) feature.SetGeometryDirectly(new OGRPolygon());
             if (i != 99 && i != 100) feature.SetGeometryDirectly(rectangle(box));
             ASSERT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
             if (i == 99 || i == 100) continue;

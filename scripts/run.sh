@@ -3,7 +3,7 @@
 # arguments given; with none, it prints the land-use balance table of the sample plan.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/setup.sh >&2
+bash scripts/setup.sh --run >&2
 cmake -S . -B build/kplan -G Ninja -DCMAKE_BUILD_TYPE=Release -DKPLAN_TESTS=OFF \
     -DKPLAN_BENCH=OFF >/dev/null
 cmake --build build/kplan -j "$(nproc)" --target kplan >&2

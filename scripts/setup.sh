@@ -1,21 +1,25 @@
 #!/usr/bin/env bash
-# Installs the Debian packages kplan needs to build and test, when they are missing.
+# Installs the Debian packages kplan needs, when they are missing: to build and run it
+# with --run (scripts/run.sh), and to build and test it otherwise (scripts/test.sh).
 # Runs as root on a fresh Debian 12 machine; uses sudo otherwise.
 set -euo pipefail
 
 packages=(
     g++ cmake ninja-build pkg-config
-    libgtest-dev libgmock-dev libbenchmark-dev
-    libcli11-dev libpolyclipping-dev
-    libgeos-dev python3 python3-ezdxf python3-matplotlib
-    clang libclang-rt-14-dev clang-format
-    libdxflib-dev
-    libgdal-dev libsqlite3-dev gdal-bin python3-gdal
-    nlohmann-json3-dev libxlsxwriter-dev python3-openpyxl
+    libcli11-dev libpolyclipping-dev libgeos-dev
+    libgdal-dev libsqlite3-dev
+    nlohmann-json3-dev libxlsxwriter-dev
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
-    tmux
-    parallel  # test only: the batch recipe of scripts/batch_stats.sh
 )
+if [ "${1:-}" != --run ]; then
+    packages+=(
+        libgtest-dev libgmock-dev libbenchmark-dev libdxflib-dev
+        clang libclang-rt-14-dev clang-format
+        python3 python3-ezdxf python3-matplotlib python3-gdal python3-openpyxl gdal-bin
+        tmux
+        parallel  # the batch recipe of scripts/batch_stats.sh
+    )
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -10,6 +10,22 @@ inline constexpr int kExitInput = 1;   // the input is unreadable or wrong
 inline constexpr int kExitUsage = 2;   // the command line is wrong
 inline constexpr int kExitPartly = 3;  // partly done: some drawings failed, others not
 
+// What each exit code means, as the manual page tells it.
+struct ExitCodeMeaning {
+    int code;
+    const char* meaning;
+};
+inline constexpr ExitCodeMeaning kExitCodes[] = {
+    {0, "success"},
+    {kExitInput, "the input is unreadable or wrong (a drawing, a class table, a standard)"},
+    {kExitUsage,
+     "the command line is wrong: an unknown command or option (the message lists the "
+     "commands), a missing argument, a value an option does not take"},
+    {kExitPartly,
+     "partly done: of several drawings, some could not be read (each is named on stderr) and "
+     "the others were reported"},
+};
+
 // "kplan info DRAWING": version, code page, entities by type, xdata records by
 // application, layers.
 void addInfoCommand(CLI::App& app, int& exitCode);

@@ -4,6 +4,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/OptionValues.h"
 #include "host/dxf/Dxf.h"
 
 namespace kplan::cli {
@@ -40,8 +41,11 @@ int runConvert(const ConvertArgs& args) {
 void addConvertCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("convert", "Load a drawing and save it again");
     auto args = std::make_shared<ConvertArgs>();
-    command->add_option("IN", args->in, "DXF file to read (-: standard input)")->required();
+    command->add_option("IN", args->in, "DXF file to read (-: standard input)")
+        ->type_name(kDrawingValue)
+        ->required();
     command->add_option("OUT,-o,--output", args->out, "DXF file to write (-: standard output)")
+        ->type_name(kDrawingValue)
         ->required();
     command->add_option("--dxf-version", args->version,
                         "AC1015 to AC1032 (default: AC1024, or the input's when newer)");

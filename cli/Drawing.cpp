@@ -2,6 +2,7 @@
 
 #include "cli/ClassTableCheck.h"
 #include "cli/Messages.h"
+#include "cli/OptionValues.h"
 
 #include <cctype>
 #include <filesystem>
@@ -74,8 +75,10 @@ bool splitParam(const std::string& param, std::string& name, std::string& value,
 }  // namespace
 
 void addStandardOptions(CLI::App& command, StandardOptions& options, const char* tableOption) {
-    command.add_option("--data", options.data,
-                       "Standards directory (default: KPLAN_DATA, else the shipped one)");
+    command
+        .add_option("--data", options.data,
+                    "Standards directory (default: KPLAN_DATA, else the shipped one)")
+        ->type_name(kFolderValue);
     command.add_option("--standard", options.standard,
                        "Standard, a folder of the standards directory (default: 通用国标)");
     command.add_option(tableOption, options.table,
@@ -136,6 +139,15 @@ std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
 
 void addForceOption(CLI::App& command, bool& force) {
     command.add_flag("--force", force, "Write the drawing even to a name without .dxf");
+}
+
+void addDrawingInAndOut(CLI::App& command, std::string& drawing, std::string& out) {
+    command.add_option("DRAWING", drawing, "DXF file to read")
+        ->type_name(kDrawingValue)
+        ->required();
+    command.add_option("-o,--output", out, "DXF file to write")
+        ->type_name(kDrawingValue)
+        ->required();
 }
 
 int checkDxfOutput(const std::string& path, bool force) {

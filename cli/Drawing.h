@@ -35,6 +35,8 @@ std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
 void addForceOption(CLI::App& command, bool& force);
 // 0 when the output may be written; otherwise 2, with the message printed.
 int checkDxfOutput(const std::string& path, bool force);
+// "DRAWING -o OUT": the drawing a command reads and the one it writes, both required.
+void addDrawingInAndOut(CLI::App& command, std::string& drawing, std::string& out);
 
 // Applies --data, --standard and --table; false with a message when the standard or its
 // class table does not exist.

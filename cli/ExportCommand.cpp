@@ -7,6 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
 #include "cli/Messages.h"
+#include "cli/OptionValues.h"
 #include "gis/ClassColour.h"
 #include "gis/GisExport.h"
 
@@ -70,8 +71,11 @@ void addExportCommand(CLI::App& app, int& exitCode) {
     auto* command =
         app.add_subcommand("export", "Records as GIS layers: GeoPackage, GeoJSON, shapefile");
     auto args = std::make_shared<ExportArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file to read")->required();
+    command->add_option("DRAWING", args->drawing, "DXF file to read")
+        ->type_name(kDrawingValue)
+        ->required();
     command->add_option("OUT,-o,--output", args->out, "OUT.gpkg, .geojson, .shp or .fgb")
+        ->type_name(kFileValue)
         ->required();
     command->add_option("--crs", args->crs,
                         "Coordinate system of the drawing, e.g. EPSG:4547 (CGCS2000 3-degree "

@@ -6,6 +6,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/OptionValues.h"
 #include "gis/GisImport.h"
 #include "host/dxf/Dxf.h"
 
@@ -76,9 +77,14 @@ void addImportCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("import", "GIS polygons as parcels with records");
     auto args = std::make_shared<ImportArgs>();
     command->add_option("LAYER", args->source, "GeoPackage, shapefile, GeoJSON, ... to read")
+        ->type_name(kFileValue)
         ->required();
-    command->add_option("--into", args->into, "DXF drawing to add the parcels to")->required();
-    command->add_option("-o,--out", args->out, "DXF file to write")->required();
+    command->add_option("--into", args->into, "DXF drawing to add the parcels to")
+        ->type_name(kDrawingValue)
+        ->required();
+    command->add_option("-o,--out", args->out, "DXF file to write")
+        ->type_name(kDrawingValue)
+        ->required();
     command->add_option("--layer", args->layer, "Layer of the source (default: of polygons)");
     command->add_option("--map", args->map, "FIELD=KEY: the record key of a field (repeatable)");
     command->add_option("--kind", args->kind, "planned or current")

@@ -5,6 +5,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
+#include "cli/OptionValues.h"
 #include "cli/Output.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/dbunknown.h"
@@ -158,7 +159,7 @@ int runInfo(const InfoArgs& args) {
 void addInfoCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("info", "Show what a drawing holds");
     auto args = std::make_shared<InfoArgs>();
-    command->add_option("DRAWING", args->path, "DXF file")->required();
+    command->add_option("DRAWING", args->path, "DXF file")->type_name(kDrawingValue)->required();
     addReadOptions(*command, args->recover, args->codePage);
     command->callback([args, &exitCode] { exitCode = runInfo(*args); });
 }

@@ -161,8 +161,7 @@ void addLabelCommand(CLI::App& app, int& exitCode) {
     auto* command =
         app.add_subcommand("label", "Write each parcel's number and class at its label point");
     auto args = std::make_shared<LabelArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file to read")->required();
-    command->add_option("-o,--output", args->out, "DXF file to write")->required();
+    addDrawingInAndOut(*command, args->drawing, args->out);
     command->add_option("--layer", args->layer, "layer of the labels (default: labels)");
     addForceOption(*command, args->force);
     command->callback([args, &exitCode] { exitCode = runLabel(*args); });

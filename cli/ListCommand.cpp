@@ -13,6 +13,7 @@
 #include "cli/Commands.h"
 #include "cli/Drawing.h"
 #include "cli/DrawingBatch.h"
+#include "cli/OptionValues.h"
 #include "cli/Output.h"
 #include "geometry/LabelPoint.h"
 #include "host/arx/dbhatch.h"
@@ -495,14 +496,16 @@ int runList(const ListArgs& args) {
 void addListCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand("list", "One row per record: parcels, or another kind");
     auto args = std::make_shared<ListArgs>();
-    command->add_option("DRAWING", args->drawings,
-                        "DXF files or folders of them (default: the sample plan)");
+    command
+        ->add_option("DRAWING", args->drawings,
+                     "DXF files or folders of them (default: the sample plan)")
+        ->type_name(kDrawingValue);
     command->add_flag("--recursive", args->recursive,
                       "With a folder: the drawings of its subfolders too");
-    command
-        ->add_option("--format", args->format,
-                     "table, csv, json or jsonl (a line per drawing as it is done, then the "
-                     "total)")
+    offerChoices(command->add_option("--format", args->format,
+                                     "table, csv, json or jsonl (a line per drawing as it is "
+                                     "done, then the total)"),
+                 {"table", "csv", "json", "jsonl"})
         ->capture_default_str();
     command->add_option("--kind", args->kind, "parcel, unit, block, building, hatch or redline")
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kKinds), std::end(kKinds))))

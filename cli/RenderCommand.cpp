@@ -11,6 +11,7 @@
 #include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
 #include "cli/Messages.h"
+#include "cli/OptionValues.h"
 #include "record/DKBJXDInfo.h"
 #include "render/PlanPicture.h"
 #include "render/PlanScene.h"
@@ -137,8 +138,10 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand(
         "render", "Draw the land-use plan as a picture (PNG, SVG or PDF) with its legend");
     auto args = std::make_shared<RenderArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)");
+    command->add_option("DRAWING", args->drawing, "DXF file (default: the sample plan)")
+        ->type_name(kDrawingValue);
     command->add_option("-o,--output", args->out, "picture to write: .png, .svg or .pdf")
+        ->type_name(kFileValue)
         ->required();
     command->add_option("--width", args->width, "width in pixels (points for PDF and SVG)")
         ->capture_default_str();
@@ -148,7 +151,8 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Draw the current-status parcels instead of the planned ones");
-    command->add_option("--labels", args->labels, "number, class, both or none")
+    offerChoices(command->add_option("--labels", args->labels, "number, class, both or none"),
+                 {"number", "class", "both", "none"})
         ->capture_default_str();
     command->add_flag("--table", args->table, "Put the land-use balance table beside the map");
     // --table is the balance table here; the class table is --class-table.

@@ -18,6 +18,7 @@
 #include "cli/DrawingBatch.h"
 #include "cli/InteractiveInput.h"
 #include "cli/Messages.h"
+#include "cli/OptionValues.h"
 #include "cli/Output.h"
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbents.h"
@@ -477,9 +478,11 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         "Land-use balance tables of the drawing's standard (城乡用地汇总表, 城市建设用地平衡表), "
         "within its scope line");
     auto args = std::make_shared<StatsArgs>();
-    command->add_option("DRAWING", args->drawings,
-                        "DXF files or folders of them (default: the sample plan); several give "
-                        "each one's tables and those of all");
+    command
+        ->add_option("DRAWING", args->drawings,
+                     "DXF files or folders of them (default: the sample plan); several give "
+                     "each one's tables and those of all")
+        ->type_name(kDrawingValue);
     command->add_flag("--recursive", args->recursive,
                       "With a folder: the drawings of its subfolders too");
     command
@@ -488,21 +491,25 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
-    command
-        ->add_option("--format", args->format,
-                     "table, csv, json, jsonl (a line per drawing as it is done, then the "
-                     "total) or xlsx (with -o FILE)")
+    offerChoices(command->add_option("--format", args->format,
+                                     "table, csv, json, jsonl (a line per drawing as it is "
+                                     "done, then the total) or xlsx (with -o FILE)"),
+                 {"table", "csv", "json", "jsonl", "xlsx"})
         ->capture_default_str();
-    command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx");
-    command->add_option("--map", args->map,
-                        "Also draw the plan with the table beside it (.png, .svg or .pdf)");
+    command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx")
+        ->type_name(kFileValue);
+    command
+        ->add_option("--map", args->map,
+                     "Also draw the plan with the table beside it (.png, .svg or .pdf)")
+        ->type_name(kFileValue);
     command->add_option("--lang", args->lang, "Language of the table: zh or en")
         ->check(CLI::IsMember({"zh", "en"}))
         ->capture_default_str();
     command->add_option("--remainder", args->remainder,
                         "Class of the land in the scope that no parcel covers (e.g. S1 for "
                         "roads drawn as gaps); default: a row of its own");
-    command->add_option("--units", args->units, "Area unit: hm2, m2, mu or km2")
+    offerChoices(command->add_option("--units", args->units, "Area unit: hm2, m2, mu or km2"),
+                 {"hm2", "m2", "mu", "km2"})
         ->capture_default_str();
     command->add_option("--decimals", args->decimals, "Decimals of the areas")
         ->check(CLI::Range(0, 6))
@@ -526,9 +533,11 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--interactive", args->interactive,
                       "Ask for the scope on the command line (scope lines, parcels, closed "
                       "lines or a line drawn now), answers one a line from standard input");
-    command->add_option("--preview", args->preview,
-                        "With --interactive and one scope line: a copy of the drawing with "
-                        "the parcels' parts inside the line hatched (.dxf)");
+    command
+        ->add_option("--preview", args->preview,
+                     "With --interactive and one scope line: a copy of the drawing with "
+                     "the parcels' parts inside the line hatched (.dxf)")
+        ->type_name(kDrawingValue);
     command->callback([args, &exitCode] { exitCode = runStats(*args); });
 }
 

@@ -350,8 +350,7 @@ void addSymbolizeCommand(CLI::App& app, int& exitCode) {
     auto* command = app.add_subcommand(
         "symbolize", "Put every parcel on its class's layers and fill it with its class's hatch");
     auto args = std::make_shared<SymbolizeArgs>();
-    command->add_option("DRAWING", args->drawing, "DXF file to read")->required();
-    command->add_option("-o,--output", args->out, "DXF file to write")->required();
+    addDrawingInAndOut(*command, args->drawing, args->out);
     command->add_flag("--status", args->status,
                       "The current-status parcels instead of the planned ones");
     command->add_flag("--no-hatch", args->noHatch, "Only the layers; no fills");

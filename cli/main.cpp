@@ -4,9 +4,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "cli/BashCompletion.h"
 #include "cli/Commands.h"
+#include "cli/ManPage.h"
 #include "cli/Messages.h"
+#include "cli/OptionValues.h"
 #include "cli/TerminalProgress.h"
 #include "host/db/CommandLine.h"
 #include "render/CjkFont.h"
@@ -31,9 +35,13 @@ std::string commandList(const CLI::App& app) {
 
 // "kplan help COMMAND": the options of one command; "kplan help" those of the program.
 void addHelpCommand(CLI::App& app, int& exitCode) {
+    std::vector<std::string> names;
+    for (const CLI::App* known : app.get_subcommands({}))
+        names.push_back(known->get_name());
+    names.push_back("help");
     auto* command = app.add_subcommand("help", "Show the options of a command");
     auto name = std::make_shared<std::string>();
-    command->add_option("COMMAND", *name, "Command to explain");
+    kplan::cli::offerChoices(command->add_option("COMMAND", *name, "Command to explain"), names);
     command->callback([&app, name, &exitCode] {
         if (name->empty()) {
             std::cout << app.help();
@@ -49,6 +57,20 @@ void addHelpCommand(CLI::App& app, int& exitCode) {
                   << commandList(app) << "\n";
         exitCode = kplan::cli::kExitUsage;
     });
+}
+
+// "kplan --generate man|complete-bash": the manual page or the bash completion script,
+// made from this application when the command line is parsed, all of it defined by then.
+void addGenerateOption(CLI::App& app) {
+    app.add_option_function<std::string>(
+           "--generate",
+           [&app](const std::string& kind) {
+               std::cout << (kind == "man" ? kplan::cli::manPage(app, KPLAN_VERSION)
+                                           : kplan::cli::bashCompletion(app));
+               throw CLI::Success();
+           },
+           "Print the manual page (man) or the bash completion script (complete-bash) and exit")
+        ->check(CLI::IsMember({"man", "complete-bash"}));
 }
 
 // An empty argument where a file belongs is an unset variable in a script, not the
@@ -117,6 +139,7 @@ int main(int argc, char** argv) {
     app.add_flag("--quiet", quiet,
                  "No progress bar and no warnings on stderr (errors are still printed; "
                  "warnings stay in JSON and CSV)");
+    addGenerateOption(app);
     for (CLI::App* command : app.get_subcommands({}))
         command->fallthrough();
     for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
@@ -134,6 +157,8 @@ int main(int argc, char** argv) {
     } catch (const CLI::CallForAllHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForVersion& e) {
+        return app.exit(e);
+    } catch (const CLI::Success& e) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
         return usageError(app, e, argc, argv);

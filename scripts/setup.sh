@@ -18,6 +18,8 @@ if [ "${1:-}" != --run ]; then
         python3 python3-ezdxf python3-matplotlib python3-gdal python3-openpyxl gdal-bin
         tmux
         parallel  # the batch recipe of scripts/batch_stats.sh
+        man-db groff-base bash-completion  # the manual page and the completion, tried
+        dpkg-dev lintian  # the Debian package: its dependencies found, then checked
     )
 fi
 

@@ -30,15 +30,19 @@ inline std::string slurp(const std::string& path) {
     return s.str();
 }
 
-// args as a shell would take them (quote paths with ').
-inline Outcome kplan(const std::string& args) {
+// A shell command line (quote paths with '), run with what it prints captured.
+inline Outcome shell(const std::string& command) {
     std::string out = testFolder() + "/stdout", err = testFolder() + "/stderr";
-    std::string command =
-        std::string("'") + KPLAN_EXE + "' " + args + " >'" + out + "' 2>'" + err + "'";
+    std::string line = "{ " + command + "; } >'" + out + "' 2>'" + err + "'";
     Outcome run;
-    int status = std::system(command.c_str());
+    int status = std::system(line.c_str());
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.out = slurp(out);
     run.err = slurp(err);
     return run;
+}
+
+// args as a shell would take them (quote paths with ').
+inline Outcome kplan(const std::string& args) {
+    return shell(std::string("'") + KPLAN_EXE + "' " + args);
 }

@@ -44,6 +44,14 @@ std::string roff(const std::string& text) {
     return out;
 }
 
+// Text whose paragraphs are apart by an empty line, as the help prints it.
+std::string paragraphs(const std::string& text) {
+    std::string out = roff(text);
+    for (std::size_t blank; (blank = out.find("\n\n")) != std::string::npos;)
+        out.replace(blank, 2, "\n.PP\n");
+    return out;
+}
+
 std::string bold(const std::string& text) {
     return "\\fB" + roff(text) + "\\fR";
 }
@@ -121,6 +129,18 @@ std::string usage(const CLI::App& parent, const CLI::App& command) {
     return line;
 }
 
+// What a command's help says after its options beyond the program's own footer, which
+// every command repeats.
+std::string ownFooter(const CLI::App& app, const CLI::App& command) {
+    std::string footer = command.get_footer(), common = app.get_footer();
+    if (footer.size() >= common.size() &&
+        footer.compare(footer.size() - common.size(), common.size(), common) == 0)
+        footer.erase(footer.size() - common.size());
+    while (!footer.empty() && (footer.back() == '\n' || footer.back() == ' '))
+        footer.pop_back();
+    return footer;
+}
+
 bool isHelp(const CLI::App& app, const CLI::Option& option) {
     return &option == app.get_help_ptr();
 }
@@ -160,8 +180,8 @@ std::string manPage(const CLI::App& app, const std::string& version) {
     std::string upper = name;
     for (char& c : upper)
         c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-    out << ".TH " << upper << " 1 \"\" \"" << roff(name + " " + version)
-        << "\" \"User Commands\"\n";
+    out << ".TH " << upper << " 1 \"\" \"" << roff(name + " " + version) << "\" \"User Commands\"\n"
+        << ".ad l\n.nh\n";  // ragged right, no words broken: option names stay whole
 
     out << ".SH NAME\n" << roff(name) << " \\- " << roff(purpose(app)) << "\n";
 
@@ -190,6 +210,8 @@ std::string manPage(const CLI::App& app, const std::string& version) {
         out << ".SS " << roff(command->get_name()) << "\n"
             << usage(app, *command) << "\n.PP\n"
             << roff(command->get_description()) << "\n";
+        if (std::string footer = ownFooter(app, *command); !footer.empty())
+            out << ".PP\n" << paragraphs(footer) << "\n";
         for (const CLI::Option* option : positionals(*command)) {
             std::string head = italic(option->get_name(true));
             if (option->get_items_expected_max() > 1) head += " ...";

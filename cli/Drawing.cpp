@@ -14,6 +14,7 @@
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/InstalledData.h"
 #include "host/db/TextCodec.h"
 #include "host/dxf/Dxf.h"
 #include "host/kova/KovaDB.h"
@@ -203,6 +204,8 @@ bool applyStandard(const StandardOptions& options, std::string& error) {
 
 std::string samplePlanPath() {
     std::vector<fs::path> candidates;
+    if (fs::path installed = db::installedDataFolder("samples"); !installed.empty())
+        candidates.push_back(installed);
     std::error_code ec;
     fs::path exe = fs::read_symlink("/proc/self/exe", ec);
     if (!ec) candidates.push_back(exe.parent_path() / ".." / "share" / "kplan" / "samples");

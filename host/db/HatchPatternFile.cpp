@@ -10,6 +10,8 @@
 #include <sstream>
 #include <system_error>
 
+#include "host/db/InstalledData.h"
+
 namespace db {
 
 namespace {
@@ -60,6 +62,8 @@ std::string defaultFolder() {
     if (const char* env = std::getenv("KPLAN_PATTERNS"); env && *env) return env;
     if (const char* data = std::getenv("KPLAN_DATA"); data && *data)
         candidates.push_back(fs::path(data) / ".." / "patterns");
+    if (fs::path installed = installedDataFolder("patterns"); !installed.empty())
+        candidates.push_back(installed);
     std::error_code ec;
     fs::path exe = fs::read_symlink("/proc/self/exe", ec);
     if (!ec) {

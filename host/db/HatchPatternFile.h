@@ -11,7 +11,8 @@
 // Two files: kplan.pat for imperial drawings ($MEASUREMENT 0) and kplaniso.pat for metric
 // ones. They are found in the first of: the folder set with setHatchPatternFolder, the
 // environment variable KPLAN_PATTERNS, "patterns" beside the standards root of KPLAN_DATA
-// (the command line's --data does the same), <exe dir>/../share/kplan/patterns,
+// (the command line's --data does the same), the install's share/kplan/patterns (seen from
+// the program or shared library, host/db/InstalledData.h), <exe dir>/../share/kplan/patterns,
 // <exe dir>/data/patterns, <exe dir>/../data/patterns and the source tree's data/patterns.
 // The search runs once per value of those environment variables; each file is read once
 // and kept.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/db/HatchPatternFile.h"
+#include "host/db/InstalledData.h"
 
 namespace {
 
@@ -51,6 +52,8 @@ fs::path executableDirectory() {
 
 std::wstring searchDefaultRoot() {
     std::vector<fs::path> candidates;
+    if (fs::path installed = db::installedDataFolder("standards"); !installed.empty())
+        candidates.push_back(installed);
     fs::path exeDir = executableDirectory();
     if (!exeDir.empty()) {
         candidates.push_back(exeDir / ".." / "share" / "kplan" / "standards");

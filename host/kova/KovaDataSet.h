@@ -7,7 +7,8 @@
 //
 // Settings, each from the first that gives one: the setter (the command-line program's
 // --data, --standard and --table), the environment (KPLAN_DATA, KPLAN_STANDARD,
-// KPLAN_CLASS_TABLE), the default. The default root is the first existing of
+// KPLAN_CLASS_TABLE), the default. The default root is the first existing of the install's
+// share/kplan/standards (seen from the program or the shared library this code is in),
 // <exe dir>/../share/kplan/standards, <exe dir>/data/standards, <exe dir>/../data/standards
 // and the source tree's data/standards; the default standard is "通用国标" and the default
 // class table "2011国标城乡用地类别.txt".

@@ -50,7 +50,7 @@ std::vector<Words> complete(const std::vector<Words>& lines) {
            "    COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); COMP_LINE=\"$*\"\n"
            "    COMP_POINT=${#COMP_LINE}; COMPREPLY=()\n"
            "    _kplan kplan \"${COMP_WORDS[COMP_CWORD]}\" \"${COMP_WORDS[COMP_CWORD - 1]}\"\n"
-           "    printf '%s\\n' \"${COMPREPLY[@]}\" | sort | tr '\\n' ' '; echo\n"
+           "    printf '%s\\n' \"${COMPREPLY[@]}\" | LC_ALL=C sort | tr '\\n' ' '; echo\n"
            "}\n";
     for (const Words& words : lines) {
         out << "ask";

@@ -29,8 +29,9 @@ const Page& page() {
         Outcome generated = kplan("--generate man >'" + p.file + "'");
         EXPECT_EQ(generated.exitCode, 0) << generated.err;
         p.roff = slurp(p.file);
-        p.text =
-            shell("LC_ALL=C.UTF-8 MANWIDTH=200 man -E UTF-8 -l '" + p.file + "' | col -bx").out;
+        p.text = shell("LC_ALL=C.UTF-8 MANWIDTH=200 man -E UTF-8 -l '" + p.file +
+                       "' | LC_ALL=C.UTF-8 col -bx")
+                     .out;
         return p;
     }();
     return made;

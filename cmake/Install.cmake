@@ -33,6 +33,7 @@ endforeach()
 install(FILES host/db/Database.h host/db/GroupCode.h host/db/Value.h host/db/WindowsFormat.h
         DESTINATION ${KPLAN_INSTALL_INCLUDEDIR}/host/db)
 install(FILES host/dxf/Dxf.h DESTINATION ${KPLAN_INSTALL_INCLUDEDIR}/host/dxf)
+install(FILES kplan/Export.h DESTINATION ${KPLAN_INSTALL_INCLUDEDIR}/kplan)
 
 install(TARGETS kplan_shared EXPORT kplanTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT Development

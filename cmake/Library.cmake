@@ -5,9 +5,12 @@ set(KPLAN_LIBRARY_PARTS kplan_record kplan_standard kplan_stats kplan_draw kplan
                         kplan_arx kplan_kova kplan_mfc kplan_gpc kplan_db kplan_dxf)
 set(KPLAN_PROGRAM_PARTS kplan_report kplan_gis kplan_render)
 
-# The same objects go into the static libraries and the shared one.
+# The same objects go into the static libraries and the shared one. Only what KPLAN_API
+# marks (kplan/Export.h) is exported; the rest of the host and the domain's helpers stay
+# inside, free to change without breaking a program linked against the library.
 set_target_properties(${KPLAN_LIBRARY_PARTS} ${KPLAN_PROGRAM_PARTS}
-                      PROPERTIES POSITION_INDEPENDENT_CODE ON)
+                      PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                                 VISIBILITY_INLINES_HIDDEN ON)
 
 # The Windows check builds everything static; there the library is asked for.
 if(WIN32)
@@ -17,6 +20,12 @@ else()
 endif()
 if(NOT KPLAN_SHARED_LIBRARY)
     return()
+endif()
+
+if(WIN32)
+    foreach(part IN LISTS KPLAN_LIBRARY_PARTS)
+        target_compile_definitions(${part} PRIVATE KPLAN_BUILDING_DLL)
+    endforeach()
 endif()
 
 set(objects)
@@ -32,9 +41,13 @@ set_target_properties(kplan_shared PROPERTIES OUTPUT_NAME kplan EXPORT_NAME kpla
 # What the parts link beyond each other; an undefined symbol fails here, not in a user's link.
 target_link_libraries(kplan_shared PRIVATE ${POLYCLIPPING_LIBRARY} Threads::Threads
                                            ${CMAKE_DL_LIBS})
-# (A fuzzing build leaves the sanitizers' runtime to the program.)
-if(NOT WIN32 AND NOT KPLAN_FUZZ)
+# (Sanitizers given as plain compiler flags, and the fuzzing build, leave their runtime to
+# the program.)
+if(NOT WIN32 AND NOT KPLAN_FUZZ AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
     target_link_options(kplan_shared PRIVATE LINKER:--no-undefined)
 endif()
 target_compile_features(kplan_shared INTERFACE cxx_std_20)
+if(WIN32)
+    target_compile_definitions(kplan_shared INTERFACE KPLAN_USING_DLL)
+endif()
 add_library(kplan::kplan ALIAS kplan_shared)

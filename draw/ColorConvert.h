@@ -4,14 +4,15 @@
 // the host's palette index. (The palette colour of an index as a reference is
 // FIndexToColorRef, beside the record helpers.)
 #include "host/arx/dbcolor.h"
+#include "kplan/Export.h"
 
 // The reference's red, green and blue as the colour's true colour, exactly.
-void RGBToCmColor(unsigned long colorRef, AcCmColor& color);
+KPLAN_API void RGBToCmColor(unsigned long colorRef, AcCmColor& color);
 
 // The palette index (1..255) nearest to the reference's colour.
-int FColorToIndex(unsigned long colorRef);
+KPLAN_API int FColorToIndex(unsigned long colorRef);
 
 // The palette colour nearest to the reference, as a true colour: never the exact input
 // unless it is a palette colour. The snapping is deliberate, so that a colour picked in a
 // dialog prints like the indexed colours beside it.
-AcCmColor FColorToCmColor(unsigned long colorRef);
+KPLAN_API AcCmColor FColorToCmColor(unsigned long colorRef);

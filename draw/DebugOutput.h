@@ -5,7 +5,8 @@
 // file named by the environment variable KPLAN_DBG_FILE, else "/tmp/dbg.txt". The text is
 // written in UTF-8.
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 // Appends "\n", the text and "\n"; nothing happens, and nothing is reported, when the
 // file does not exist or cannot be written.
-void dbgOutput(const CString& text);
+KPLAN_API void dbgOutput(const CString& text);

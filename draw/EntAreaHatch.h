@@ -2,8 +2,9 @@
 // A list of temporary solid fills, made with the host's HATCH command, that its owner can
 // hide, show and erase together.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class CFEntAreaHatch {
+class KPLAN_API CFEntAreaHatch {
   public:
     CFEntAreaHatch() = default;
     ~CFEntAreaHatch() = default;

@@ -1,6 +1,7 @@
 #pragma once
 // A hatch's boundary as ordinary curves.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // Rebuilds every loop of the hatch as curves in the current space of the hatch's drawing,
 // with the hatch's layer,
@@ -14,4 +15,4 @@
 // 0 for an id that is no hatch and when a curve cannot be made: a spline that cannot be
 // created prints "\nFailed to create a spline."; the curves made so far are then erased
 // and curves is left empty. Splines are kept as splines, not turned into polylines.
-int KovaHatchToLine(AcDbObjectId hatch, AcDbObjectIdArray& curves);
+KPLAN_API int KovaHatchToLine(AcDbObjectId hatch, AcDbObjectIdArray& curves);

@@ -27,15 +27,16 @@
 // trimmed first.
 #include "host/kova/KovaDB.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 // Parcel boundary, planned (non-zero) or current.
-int FGetDKLayer(CString classCode, CString& layerName, int planned);
+KPLAN_API int FGetDKLayer(CString classCode, CString& layerName, int planned);
 // Parcel hatch, planned (non-zero) or current.
-int FGetDKTCLayer(CString classCode, CString& layerName, int planned);
+KPLAN_API int FGetDKTCLayer(CString classCode, CString& layerName, int planned);
 // Underground-space parcel boundary (always planned; names from the underground table).
-int FGetDXKJLayer(CString classCode, CString& layerName);
+KPLAN_API int FGetDXKJLayer(CString classCode, CString& layerName);
 // Underground-space parcel hatch. Blank land is a class like any other here.
-int FGetDXKJTCLayer(CString classCode, CString& layerName);
+KPLAN_API int FGetDXKJTCLayer(CString classCode, CString& layerName);
 
 enum class ParcelLayerKind { Boundary, Hatch, UndergroundBoundary, UndergroundHatch };
 
@@ -46,5 +47,5 @@ enum class ParcelLayerKind { Boundary, Hatch, UndergroundBoundary, UndergroundHa
 // ("YD用地图层地块_" underground), 4 and "U". Returns the key it is looked up under:
 // the layer key, or "现状水域" / "现状公共绿地" for current E1 / G1, G2 parcels. The
 // class code is taken as given (trimmed).
-CString FPresetParcelLayerParam(ParcelLayerKind kind, const CString& classCode, int planned,
-                                KovaDB::LAYERPARAM2013EX& param);
+KPLAN_API CString FPresetParcelLayerParam(ParcelLayerKind kind, const CString& classCode,
+                                          int planned, KovaDB::LAYERPARAM2013EX& param);

@@ -2,6 +2,7 @@
 // Moving the ends of an open curve to where it meets another: extending a road line to a
 // parcel edge, snapping a boundary's end onto the line it should end on.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // Extends an open curve (a line, an arc, an open lightweight polyline) to meet a boundary
 // curve: each chosen end (ends: 1 the start, 2 the end, 3 both) is carried along its end
@@ -12,7 +13,7 @@
 // stays where it is. Returns the number of ends moved (0 to 2); -1 for an invalid or
 // erased id, a closed curve or one of another class, a boundary without an outline, or
 // ends outside 1 to 3.
-int FExtendCurve(AcDbObjectId curveId, AcDbObjectId boundaryId, int ends = 3);
+KPLAN_API int FExtendCurve(AcDbObjectId curveId, AcDbObjectId boundaryId, int ends = 3);
 
 // Snaps one end of an open curve (as above) onto a point where it meets another curve:
 // the points where the carriers of its first and last segments meet the other outline,
@@ -21,4 +22,4 @@ int FExtendCurve(AcDbObjectId curveId, AcDbObjectId boundaryId, int ends = 3);
 // may move (0 or less: no limit). Returns 1 when an end was moved (or already lay on a
 // meeting point), 0 when there is no meeting point within reach, -1 for input as
 // FExtendCurve refuses it.
-int FMoveEntPtToInter(AcDbObjectId curveId, AcDbObjectId otherId, double maxDistance = 0);
+KPLAN_API int FMoveEntPtToInter(AcDbObjectId curveId, AcDbObjectId otherId, double maxDistance = 0);

@@ -1,6 +1,7 @@
 #pragma once
 // Offsetting a curve: a parallel outline at a distance, arcs kept as arcs.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // Adds a curve parallel to the given one at distance drawing units, in the same block
 // with its layer, colour and linetype (never its xdata: an offset parcel outline is no
@@ -16,4 +17,4 @@
 // entity that is not a line, arc, circle or lightweight polyline, fewer than two distinct
 // vertices, or an offset that collapses: an arc or circle whose radius would reach 0, a
 // segment turned back on itself, a closed outline whose area would vanish or turn over.
-int FOffset(AcDbObjectId curveId, double distance, AcDbObjectId& newId);
+KPLAN_API int FOffset(AcDbObjectId curveId, double distance, AcDbObjectId& newId);

@@ -4,6 +4,7 @@
 // user; every failure returns 0 with everything opened closed again.
 #include "host/arx/dbmain.h"
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 // A label point of the entity. Polylines: the area centroid (through a temporary region
 // of a temporary copy, neither of which stays in the drawing), moved next to the longest
@@ -14,7 +15,7 @@
 // necessarily its centre. The centroid branches write x and y only: z keeps the caller's
 // value (labels are placed in plan). 1 when a point was found; 0 for an invalid or erased
 // id, an entity that cannot be opened, or when the inside-point routine finds nothing.
-int FGetCenterPt(AcDbObjectId id, AcGePoint3d& pt);
+KPLAN_API int FGetCenterPt(AcDbObjectId id, AcGePoint3d& pt);
 
 // Moves pt one drawing unit off the midpoint of the outline's longest edge (the closing
 // edge not counted; for an arc edge, off the arc's midpoint along the line from the
@@ -23,13 +24,14 @@ int FGetCenterPt(AcDbObjectId id, AcGePoint3d& pt);
 // was already inside; pt's z becomes the edge's. 0, with pt unchanged, when the outline
 // cannot be read, has fewer than two vertices, or is two points within 0.001 of each
 // other; else 1.
-int FGetInsideNearPt(AcDbObjectId id, AcGePoint3d& pt);
+KPLAN_API int FGetInsideNearPt(AcDbObjectId id, AcGePoint3d& pt);
 
 // The indices i and j = i + 1 of the longest of the edges from vertex k to vertex k + 1,
 // measured straight in plan (bulges and the closing edge are not considered); the first
 // of equally long edges wins. 0 for fewer than two vertices; 1 otherwise, with i and j
 // left as the caller passed them when every edge has length 0.
-int FGetMaxLenVert(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, int& i, int& j);
+KPLAN_API int FGetMaxLenVert(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, int& i,
+                             int& j);
 // The same on the outline of a curve (kova::ent::GetCurveParam); 0 for an invalid or
 // erased id or an outline that cannot be read.
-int FGetMaxLenVert(AcDbObjectId id, int& i, int& j);
+KPLAN_API int FGetMaxLenVert(AcDbObjectId id, int& i, int& j);

@@ -3,6 +3,7 @@
 // its islands (the pole of inaccessibility), where the largest label fits.
 #include "host/arx/dbmain.h"
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 // The pole of inaccessibility of a closed curve (a closed polyline, lightweight or 2D, one
 // whose ends meet, or a circle), arcs exact, islands cut out: the point strictly inside
@@ -17,7 +18,7 @@
 // 1 on success; 0, with pt unchanged, for an invalid or erased id, an open curve or
 // another entity, an outline of less than two vertices or enclosing no area, or when
 // islands cover the whole inside.
-int FGetCurveOptimalPt(AcDbObjectId curveId, AcGePoint3d& pt, double tolerance = 0,
-                       double* distance = nullptr);
-int FGetCurveOptimalPt(AcDbObjectId curveId, const AcDbObjectIdArray& islands, AcGePoint3d& pt,
-                       double tolerance = 0, double* distance = nullptr);
+KPLAN_API int FGetCurveOptimalPt(AcDbObjectId curveId, AcGePoint3d& pt, double tolerance = 0,
+                                 double* distance = nullptr);
+KPLAN_API int FGetCurveOptimalPt(AcDbObjectId curveId, const AcDbObjectIdArray& islands,
+                                 AcGePoint3d& pt, double tolerance = 0, double* distance = nullptr);

@@ -4,12 +4,13 @@
 #include <vector>
 
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 namespace geometry {
 
 // A segment from a to b, straight for bulge 0, else the arc of that bulge (the tangent
 // of a quarter of its included angle, positive counter-clockwise).
-struct Segment {
+struct KPLAN_API Segment {
     AcGePoint2d a, b;
     double bulge = 0;
 
@@ -33,15 +34,15 @@ struct Segment {
 
 // The outline of a curve as segments: vertex i to vertex i + 1 with bulge i, the closing
 // segment included when closed.
-std::vector<Segment> segmentsOf(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges,
-                                bool closed);
+KPLAN_API std::vector<Segment> segmentsOf(const AcGePoint3dArray& points,
+                                          const AcGeDoubleArray& bulges, bool closed);
 
 // Where the carriers of two segments meet (the lines, or the circles of arcs): none, one
 // or two points; none for parallel lines and for concentric circles.
-std::vector<AcGePoint2d> carrierIntersections(const Segment& s, const Segment& t);
+KPLAN_API std::vector<AcGePoint2d> carrierIntersections(const Segment& s, const Segment& t);
 
 // Where two segments meet, each within tol of both; for overlapping collinear or
 // co-circular segments, the ends of the overlap.
-std::vector<AcGePoint2d> intersections(const Segment& s, const Segment& t, double tol);
+KPLAN_API std::vector<AcGePoint2d> intersections(const Segment& s, const Segment& t, double tol);
 
 }  // namespace geometry

@@ -8,6 +8,7 @@
 #include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 #include "record/DKKeys.h"
 
 namespace dk {
@@ -16,51 +17,52 @@ using LabelTable = std::span<const LabelKey>;
 
 // 1 when the entity is live and carries the simple item app or, failing that, oldApp
 // (null for none).
-int CarriesItem(AcDbObjectId id, const wchar_t* app, const wchar_t* oldApp);
+KPLAN_API int CarriesItem(AcDbObjectId id, const wchar_t* app, const wchar_t* oldApp);
 
 // Makes the entity a record of app: its type label is NAME of app's section of
 // "FAppDataSet.ini" (read as FGetValueFromFieldName reads it), else fallback. Fields the
 // entity already has under app are kept.
-int StampRecord(AcDbObjectId id, const wchar_t* app, const wchar_t* fallback);
+KPLAN_API int StampRecord(AcDbObjectId id, const wchar_t* app, const wchar_t* fallback);
 
 // The key of a label of the table; anything else is a key already.
-const wchar_t* KeyOfLabel(LabelTable table, const wchar_t* label);
+KPLAN_API const wchar_t* KeyOfLabel(LabelTable table, const wchar_t* label);
 
 // Every label of the table in its order and its value: the field of its key, else a field
 // named by the label itself (as older records stored it), else "". The number of values
 // found.
-int ReadLabelled(AcDbObjectId id, LabelTable table, CStringArray& labels, CStringArray& values);
+KPLAN_API int ReadLabelled(AcDbObjectId id, LabelTable table, CStringArray& labels,
+                           CStringArray& values);
 // Writes the pairs in one write, labels of the table stored under their keys; appNames,
 // when given, names the record of each pair ("" the entity's own). 0, and nothing
 // written, when the lists differ in length or the entity has no record to write to.
-int WriteLabelled(AcDbObjectId id, LabelTable table, const CStringArray& labels,
-                  const CStringArray& values, const CStringArray* appNames);
+KPLAN_API int WriteLabelled(AcDbObjectId id, LabelTable table, const CStringArray& labels,
+                            const CStringArray& values, const CStringArray* appNames);
 
 // The geometric area of the outline in hectares.
-int OutlineArea(AcDbObjectId id, double& area);
+KPLAN_API int OutlineArea(AcDbObjectId id, double& area);
 
 // Closed curves ("POLYLINE,LWPOLYLINE,CIRCLE") carrying any of the applications, in the
 // whole drawing; ids is replaced. The number found.
-int SelectOutlines(const wchar_t* apps, AcDbObjectIdArray& ids);
+KPLAN_API int SelectOutlines(const wchar_t* apps, AcDbObjectIdArray& ids);
 // The outline among those that holds the point (the smallest when nested); 1 when found.
-int OutlineAt(const wchar_t* apps, const AcGePoint3d& point, AcDbObjectId& id);
+KPLAN_API int OutlineAt(const wchar_t* apps, const AcGePoint3d& point, AcDbObjectId& id);
 
 // Candidates whose trimmed number ("key", else the label) equals number, appended to ids
 // when live and new; the length of ids.
-int SelectByNumber(const wchar_t* key, const wchar_t* label, const CString& number,
-                   const AcDbObjectIdArray& candidates, AcDbObjectIdArray& ids);
+KPLAN_API int SelectByNumber(const wchar_t* key, const wchar_t* label, const CString& number,
+                             const AcDbObjectIdArray& candidates, AcDbObjectIdArray& ids);
 
 // The planned parcels of the current space that lie in the outline: those whose
 // centroid (of the polygon through their vertices) it holds, so that each parcel of a
 // partition belongs to one unit and one block. Appended to parcels when new; their number.
-int EnclosedParcels(AcDbObjectId outline, AcDbObjectIdArray& parcels);
+KPLAN_API int EnclosedParcels(AcDbObjectId outline, AcDbObjectIdArray& parcels);
 
 }  // namespace dk
 
 // The shape the unit, block and building records share: a bound outline, single and bulk
 // field access through the kind's label table, and the parcels the outline holds. The
 // kind's own class adds its kind test, area and scans.
-class CBoundaryRecord {
+class KPLAN_API CBoundaryRecord {
   public:
     struct Kind {
         const wchar_t* app;        // the record's application

@@ -5,6 +5,7 @@
 // parcel's value of that field. Other attributes are never touched. Nothing is reported
 // to the user; every object opened is closed again on every path.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // Writes the parcel's values into the reference's attributes whose field the record
 // holds (read as CDKBJXDInfo::GetData reads it: any record generation, empty values
@@ -14,7 +15,7 @@
 // parcelId is not a live parcel (invalid, erased, or a curve without a parcel record) or
 // blockRefId is not a live block reference, or an attribute cannot be written
 // (those before it keep their new values).
-int FCopyDKToAttblk(AcDbObjectId parcelId, AcDbObjectId blockRefId);
+KPLAN_API int FCopyDKToAttblk(AcDbObjectId parcelId, AcDbObjectId blockRefId);
 
 // Brings a reference filled earlier in line with the parcel's record as it is now: an
 // attribute whose field the record holds gets its value, and one tagged with a field of
@@ -22,4 +23,4 @@ int FCopyDKToAttblk(AcDbObjectId parcelId, AcDbObjectId blockRefId);
 // longer holds is emptied, so the block never shows a value the record has lost. Only
 // attributes whose value differs are opened for write. Returns the number of attributes
 // changed (0 when the reference was in sync); -1 as FCopyDKToAttblk.
-int FUpdateDataOfAttrBlockRef(AcDbObjectId blockRefId, AcDbObjectId parcelId);
+KPLAN_API int FUpdateDataOfAttrBlockRef(AcDbObjectId blockRefId, AcDbObjectId parcelId);

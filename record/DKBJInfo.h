@@ -11,8 +11,9 @@
 #include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
-class CDKBJInfo {
+class KPLAN_API CDKBJInfo {
   public:
     CDKBJInfo() = default;
     explicit CDKBJInfo(AcDbObjectId id);

@@ -11,8 +11,9 @@
 #include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
-class CDKBJXDInfo {
+class KPLAN_API CDKBJXDInfo {
   public:
     CDKBJXDInfo() = default;
     explicit CDKBJXDInfo(AcDbObjectId id);

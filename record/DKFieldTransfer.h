@@ -3,6 +3,7 @@
 // current record under its keys.
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 // The current key of a field named in an older record. generation 1 ("地块边界" lists)
 // and 2 ("地块属性" records) first consult that generation's own names, so that
@@ -11,7 +12,7 @@
 // ...); any other generation consults the labels and then the older names. The name is
 // trimmed first. 1 with key set when the name is known; 0 with key set to the trimmed
 // name otherwise (a field without a current key keeps its own name).
-int FTransDKDataTypeToGisType(const CString& name, CString& key, int generation = 0);
+KPLAN_API int FTransDKDataTypeToGisType(const CString& name, CString& key, int generation = 0);
 
 // Moves the fields of the parcel's older record ("地块属性" when it has one, else
 // "地块边界" with its simple items) into its current record, each under its current key
@@ -21,4 +22,4 @@ int FTransDKDataTypeToGisType(const CString& name, CString& key, int generation 
 // left in place for older releases. Returns the number of fields written (0 when all
 // were there already) or -1 for an invalid or erased id, a curve without an older
 // record, or a failed write.
-int FTransDKDataTypeToGisType(AcDbObjectId id);
+KPLAN_API int FTransDKDataTypeToGisType(AcDbObjectId id);

@@ -2,6 +2,8 @@
 // The vocabulary of the data model: application names (record kinds), the shared
 // lists of them, and the field keys of the records. Use these, never the literals.
 
+#include "kplan/Export.h"
+
 namespace dk {
 
 // Application names.
@@ -191,7 +193,7 @@ inline constexpr const wchar_t* LBL_PTGJ = L"配套公建";
 inline constexpr const wchar_t* LBL_JRXZ = L"兼容性质";
 inline constexpr const wchar_t* LBL_BZ = L"备注";
 
-struct LabelKey {
+struct KPLAN_API LabelKey {
     const wchar_t* label;
     const wchar_t* key;
 };
@@ -206,7 +208,7 @@ inline constexpr LabelKey LABEL_KEYS[] = {
     {LBL_PTGJ, FS_PTSS}, {LBL_JRXZ, FS_JRXZ},   {LBL_BZ, FS_BZ},
 };
 
-struct OldLabels {
+struct KPLAN_API OldLabels {
     const wchar_t* key;
     const wchar_t* first;   // "地块边界" lists
     const wchar_t* second;  // "地块属性" records

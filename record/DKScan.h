@@ -6,6 +6,7 @@
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
 namespace dk {
 
@@ -13,11 +14,11 @@ namespace dk {
 // space)](-3)(1001 apps); ids is replaced by what it finds, in the host's order. Without
 // the space item model and paper space are both searched. The filter and the selection
 // set are released before it returns. The number found.
-int SelectParcels(const wchar_t* types, const wchar_t* apps, bool currentSpaceOnly,
-                  AcDbObjectIdArray& ids);
+KPLAN_API int SelectParcels(const wchar_t* types, const wchar_t* apps, bool currentSpaceOnly,
+                            AcDbObjectIdArray& ids);
 
 // Appends ids that are not listed yet; a hash set keeps long lists linear.
-class IdAppender {
+class KPLAN_API IdAppender {
   public:
     explicit IdAppender(AcDbObjectIdArray& ids);
     // false when the id was already there. With checkLive, invalid and erased ids are
@@ -31,16 +32,16 @@ class IdAppender {
 };
 
 // Appends text when it is not in the list yet (exact match); false when it was.
-bool AppendNewString(CStringArray& list, const CString& text);
+KPLAN_API bool AppendNewString(CStringArray& list, const CString& text);
 
 // The prefix test of the class queries: false for an empty prefix; else the first
 // characters of cls, as many as the prefix has, equal to it (case-sensitive).
-bool ClassBeginsWith(const CString& cls, const CString& prefix);
+KPLAN_API bool ClassBeginsWith(const CString& cls, const CString& prefix);
 
 // Large class: the first character of a code, the first two of a Chinese name. Mid
 // class: the first two of a code, the first three of a Chinese name. Upper-cased; a
 // class shorter than the cut is taken whole.
-CString LargeClass(const CString& cls);
-CString MidClass(const CString& cls);
+KPLAN_API CString LargeClass(const CString& cls);
+KPLAN_API CString MidClass(const CString& cls);
 
 }  // namespace dk

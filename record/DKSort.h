@@ -2,6 +2,7 @@
 // Ordering parcels by a field of their records, for tables and numbering.
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 // Sorts the ids by the value of a field of each parcel's record (a key or a label, read
 // with CDKBJXDInfo::GetData, any generation; values trimmed). Values that are whole
@@ -11,7 +12,8 @@
 // erased id) come last. The sort is stable: equal values keep their order.
 // descending reverses the order of the values, not the place of the missing ones.
 // Returns the number of ids; 0 for an empty list or an empty field name (ids unchanged).
-int FSortObjByField(AcDbObjectIdArray& ids, const CString& field, bool descending = false);
+KPLAN_API int FSortObjByField(AcDbObjectIdArray& ids, const CString& field,
+                              bool descending = false);
 
 // The comparison FSortObjByField uses: negative when a comes first, 0 when equal.
-int FCompareFieldValues(const CString& a, const CString& b);
+KPLAN_API int FCompareFieldValues(const CString& a, const CString& b);

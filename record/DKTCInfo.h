@@ -9,8 +9,9 @@
 #include "host/arx/gepnt3d.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
-class CDKTCInfo {
+class KPLAN_API CDKTCInfo {
   public:
     CDKTCInfo() = default;
     explicit CDKTCInfo(AcDbObjectId id);

@@ -13,9 +13,11 @@
 // takes anything else as the key; the bulk forms use the fixed labels "单元编号", "居住人口",
 // "平均容积率", "平均绿地率", "建筑容量", "配套设施", "批准文号", "更新时间", "设计时间",
 // "备注", stored under the keys of dk::UNIT_FIELDS.
+
+#include "kplan/Export.h"
 #include "record/BoundaryRecord.h"
 
-class CDYBJInfo : public CBoundaryRecord {
+class KPLAN_API CDYBJInfo : public CBoundaryRecord {
   public:
     CDYBJInfo();
     explicit CDYBJInfo(AcDbObjectId id);

@@ -6,8 +6,9 @@
 // pair, dropping the others (unlike parcel lists); a new label is appended.
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
-class CGHHXInfo {
+class KPLAN_API CGHHXInfo {
   public:
     CGHHXInfo() = default;
     // Stores the id as given.
@@ -33,4 +34,4 @@ class CGHHXInfo {
 };
 
 // IsGhhx without a wrapper: 0 for a null id.
-int kova_dk_IsGhhx(AcDbObjectId id, const CString& kind);
+KPLAN_API int kova_dk_IsGhhx(AcDbObjectId id, const CString& kind);

@@ -12,9 +12,11 @@
 // takes anything else as the key; the bulk forms use the fixed labels "街坊编号", "主导属性",
 // "居住人口", "用地面积", "建筑面积", "绿地面积", "配套设施", "设计导向", "更新时间",
 // "设计时间", "备注", stored under the keys of dk::BLOCK_FIELDS.
+
+#include "kplan/Export.h"
 #include "record/BoundaryRecord.h"
 
-class CJFBJInfo : public CBoundaryRecord {
+class KPLAN_API CJFBJInfo : public CBoundaryRecord {
   public:
     CJFBJInfo();
     explicit CJFBJInfo(AcDbObjectId id);

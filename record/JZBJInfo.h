@@ -10,9 +10,11 @@
 // Single-field access and the bulk forms take the labels "建筑编号", "建筑名称",
 // "建筑层数", "建筑高度", "建筑基底面积", "建筑面积", "建筑性质" (dk::BUILDING_FIELDS) as
 // well as the keys. Every member returns 0 at once when no entity is bound.
+
+#include "kplan/Export.h"
 #include "record/BoundaryRecord.h"
 
-class CJZBJInfo : public CBoundaryRecord {
+class KPLAN_API CJZBJInfo : public CBoundaryRecord {
   public:
     CJZBJInfo();
     explicit CJZBJInfo(AcDbObjectId id);

@@ -11,10 +11,11 @@
 
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 namespace dk {
 
-class RecordSession {
+class KPLAN_API RecordSession {
   public:
     RecordSession();
     ~RecordSession();
@@ -29,10 +30,10 @@ class RecordSession {
 // session is open or the entry is new, and otherwise gives what read gave before.
 
 // The out-of-line half of the two below, for an open session.
-int KeptText(AcDbObjectId id, wchar_t kind, const wchar_t* name, CString& value,
-             const std::function<int(CString&)>& read);
-int KeptNumber(AcDbObjectId id, const wchar_t* what, double& value,
-               const std::function<int(double&)>& read);
+KPLAN_API int KeptText(AcDbObjectId id, wchar_t kind, const wchar_t* name, CString& value,
+                       const std::function<int(CString&)>& read);
+KPLAN_API int KeptNumber(AcDbObjectId id, const wchar_t* what, double& value,
+                         const std::function<int(double&)>& read);
 
 // A text of the entity's under a kind of read and a name: the result of read, and value
 // as read left it; a read that fails without touching value leaves the caller's value as
@@ -50,6 +51,6 @@ int RememberedNumber(AcDbObjectId id, const wchar_t* what, double& value, Read r
 }
 // Drops everything the session holds: a write may change what other records read (an
 // island's entered area is its parcel's too).
-void ForgetRecords();
+KPLAN_API void ForgetRecords();
 
 }  // namespace dk

@@ -12,9 +12,10 @@
 #include <mutex>
 
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 #include "standard/ParsedClassTable.h"
 
-class ClassTableCache {
+class KPLAN_API ClassTableCache {
   public:
     // The table at the path, null when the file is missing or unreadable.
     static std::shared_ptr<const ParsedClassTable> Get(const CString& path);

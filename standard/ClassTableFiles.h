@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 #include "standard/ParsedClassTable.h"
 
 namespace classtable {
@@ -12,11 +13,12 @@ namespace classtable {
 enum class Source { Current, OldNational, NewNational, CommonOldNational, CommonNewNational };
 
 // "x.txt" becomes "x_地下.txt".
-CString UndergroundName(const CString& fileName);
+KPLAN_API CString UndergroundName(const CString& fileName);
 // The parsed table, null when it does not exist or cannot be read; aboveGround 0 for the
 // "_地下" one. The national tables come from the current standard, else from "通用国标".
-std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround = 1);
+KPLAN_API std::shared_ptr<const ParsedClassTable> Open(Source source, int aboveGround = 1);
 // The entry of a code, else for a compound code that of its first code; null when none.
-const ParsedClassTable::Entry* FindOrFirst(const ParsedClassTable& table, const CString& code);
+KPLAN_API const ParsedClassTable::Entry* FindOrFirst(const ParsedClassTable& table,
+                                                     const CString& code);
 
 }  // namespace classtable

@@ -3,8 +3,9 @@
 // #remark". The two readers of the tables find the markers differently; both live
 // here so that their difference stays visible side by side.
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
-struct ClassTableLine {
+struct KPLAN_API ClassTableLine {
     CString code, name, colour, hatch, boundaryLayer, hatchLayer, remark;
 
     // Every marker at its leftmost place in the line. False for lines that are no

@@ -9,10 +9,11 @@
 #include "host/arx/dbcolor.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
 using CStringMap = std::map<CString, CString>;
 
-class CKovaAttribSet {
+class KPLAN_API CKovaAttribSet {
   public:
     CKovaAttribSet() = default;
     virtual ~CKovaAttribSet() = default;

@@ -4,9 +4,10 @@
 // use the same engine with the key "图案颜色".
 #include "host/arx/dbcolor.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 #include "standard/ClassTableFiles.h"
 
-struct ColourRule {
+struct KPLAN_API ColourRule {
     classtable::Source source = classtable::Source::Current;
     const wchar_t* defaultKey = L"";   // key of section "地块颜色"
     const wchar_t* cachePrefix = L"";  // of the drawing cache "FQMDKCOLOR"

@@ -13,8 +13,9 @@
 
 #include "host/kova/fgbfile.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
-class ParsedClassTable {
+class KPLAN_API ParsedClassTable {
   public:
     // The "@" field of the first line of a code that has one, cut and split.
     struct Hatch {

@@ -15,30 +15,32 @@
 #include "host/arx/dbmain.h"
 #include "host/arx/gepnt3d.h"
 #include "host/gpc/gpc.h"
+#include "kplan/Export.h"
 
 namespace stats {
 
 // A curve as the clipper sees it: its vertices after arc approximation, and their extents.
-struct Outline {
+struct KPLAN_API Outline {
     std::vector<gpc_vertex> points;
     double minX = 0, minY = 0, maxX = 0, maxY = 0;
 };
 
 // The outline GetDataFromAcdbPolyline reads; false when the curve's vertices cannot be
 // read.
-bool ReadOutline(AcDbObjectId id, Outline& outline);
+KPLAN_API bool ReadOutline(AcDbObjectId id, Outline& outline);
 // The same from vertices and bulges already read; chords is room to work in.
-void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, Outline& outline);
-void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges, Outline& outline,
-                 AcGePoint3dArray& chords);
+KPLAN_API void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges,
+                           Outline& outline);
+KPLAN_API void MakeOutline(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges,
+                           Outline& outline, AcGePoint3dArray& chords);
 // Adds the outline to the polygon as one contour that is not a hole.
-void AddOutline(const Outline& outline, gpc_polygon* polygon);
+KPLAN_API void AddOutline(const Outline& outline, gpc_polygon* polygon);
 // The area kova::ent::GetArea gives the closed polyline made of the contour.
-double ContourArea(const gpc_vertex_list& contour);
+KPLAN_API double ContourArea(const gpc_vertex_list& contour);
 // The message of a fold that ran out of contours.
-void PrintFoldStopped();
+KPLAN_API void PrintFoldStopped();
 
-class BoundaryClip {
+class KPLAN_API BoundaryClip {
   public:
     explicit BoundaryClip(AcDbObjectId boundary);
     ~BoundaryClip();
@@ -143,7 +145,7 @@ class BoundaryClip {
 // once, however many statistics ask; the answers are the same as without it. Sessions
 // may nest; the clips are dropped when the outermost one ends. A session serves the thread
 // that opened it (each thread of a batch works on a drawing of its own).
-class ClipSession {
+class KPLAN_API ClipSession {
   public:
     ClipSession();
     ~ClipSession();
@@ -152,6 +154,6 @@ class ClipSession {
 };
 
 // The clip of a boundary: the session's when a session is open, else a new one.
-std::shared_ptr<BoundaryClip> ClipOf(AcDbObjectId boundary);
+KPLAN_API std::shared_ptr<BoundaryClip> ClipOf(AcDbObjectId boundary);
 
 }  // namespace stats

@@ -3,6 +3,7 @@
 // scope line.
 #include "host/arx/adsdef.h"
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // The entities of the drawing passing the filter (the boundary itself left out) whose
 // outline, arcs approximated, lies inside the boundary's outline grown by |offset|
@@ -11,5 +12,5 @@
 // not. With crossing non-zero the entities that reach inside the boundary by any vertex
 // are added. With zoom non-zero the view is first zoomed to the boundary. Entities in
 // drawing order; empty for a boundary that is not a readable curve.
-AcDbObjectIdArray FSSGetByEntBoundaryZoomIds(AcDbObjectId boundary, const resbuf* filter,
-                                             int crossing, double offset, int zoom);
+KPLAN_API AcDbObjectIdArray FSSGetByEntBoundaryZoomIds(AcDbObjectId boundary, const resbuf* filter,
+                                                       int crossing, double offset, int zoom);

@@ -9,77 +9,79 @@
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
 // The listed parcels; resets area.
-int GetDKIdsArea(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int GetDKIdsArea(const AcDbObjectIdArray& ids, double& area);
 
 // All planned / current-status parcels of the drawing.
-int GetGHDKAllArea(double& area);
-int GetXZDKAllArea(double& area);
+KPLAN_API int GetGHDKAllArea(double& area);
+KPLAN_API int GetXZDKAllArea(double& area);
 // Their population as the older drawings kept it, in the field named "地块坡度".
-int GetGHDKAllRKS(int& n);
-int GetXZDKAllRKS(int& n);
+KPLAN_API int GetGHDKAllRKS(int& n);
+KPLAN_API int GetXZDKAllRKS(int& n);
 // Their population in the total-population field "FN_ZRKS".
-int GetGHDKAllRKSForGIS(int& n);
-int GetXZDKAllRKSForGIS(int& n);
+KPLAN_API int GetGHDKAllRKSForGIS(int& n);
+KPLAN_API int GetXZDKAllRKSForGIS(int& n);
 // The listed parcels that are planned / current-status parcels.
-int GetGHDKAllArea(const AcDbObjectIdArray& ids, double& area);
-int GetXZDKAllArea(const AcDbObjectIdArray& ids, double& area);
-int GetGHDKAllRKSForGIS(const AcDbObjectIdArray& ids, int& n);
-int GetXZDKAllRKSForGIS(const AcDbObjectIdArray& ids, int& n);
+KPLAN_API int GetGHDKAllArea(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int GetXZDKAllArea(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int GetGHDKAllRKSForGIS(const AcDbObjectIdArray& ids, int& n);
+KPLAN_API int GetXZDKAllRKSForGIS(const AcDbObjectIdArray& ids, int& n);
 
 // One class, read from "地块类别" and compared case-sensitively after trimming: by prefix
 // (R counts R, R1 and R21) or whole. An empty class adds nothing.
-int GetDKAreaByClass(const CString& cls, const AcDbObjectIdArray& ids, double& area);
-int GetDKAreaByCompareClass(const CString& cls, const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int GetDKAreaByClass(const CString& cls, const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int GetDKAreaByCompareClass(const CString& cls, const AcDbObjectIdArray& ids,
+                                      double& area);
 // Several classes by prefix, the parcels of each class fetched on their own from the
 // drawing (or from ids), planned or current-status: a parcel two classes match counts
 // twice.
-int GetDKAreaByClass(const CStringArray& classes, double& area, int currentStatus);
-int GetDKAreaByClass(const CStringArray& classes, const AcDbObjectIdArray& ids, double& area,
-                     int currentStatus);
+KPLAN_API int GetDKAreaByClass(const CStringArray& classes, double& area, int currentStatus);
+KPLAN_API int GetDKAreaByClass(const CStringArray& classes, const AcDbObjectIdArray& ids,
+                               double& area, int currentStatus);
 
 // The balance-table totals of the listed parcels by their class "FS_DKXZ"; each resets
 // area. "H": construction land, a code whose upper-cased first letter is one of A B G H M
 // R S U W. "H1": that, less the code "H" and codes beginning H2, H3, H4, H5 or H9. "H11":
 // "H1" less the code "H1". "H2" to "H9", "E1" to "E3": the first two characters; "E": the
 // first. Only "H", "H1" and "H11" upper-case the code.
-int FGetHArea(const AcDbObjectIdArray& ids, double& area);
-int FGetH1Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH11Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH2Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH3Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH4Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH5Area(const AcDbObjectIdArray& ids, double& area);
-int FGetH9Area(const AcDbObjectIdArray& ids, double& area);
-int FGetEArea(const AcDbObjectIdArray& ids, double& area);
-int FGetE1Area(const AcDbObjectIdArray& ids, double& area);
-int FGetE2Area(const AcDbObjectIdArray& ids, double& area);
-int FGetE3Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetHArea(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH1Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH11Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH2Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH3Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH4Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH5Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetH9Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetEArea(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetE1Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetE2Area(const AcDbObjectIdArray& ids, double& area);
+KPLAN_API int FGetE3Area(const AcDbObjectIdArray& ids, double& area);
 
 // The same totals within a boundary; cutIds lists the parcels that cross it, which count
 // with their part inside. "H2" to "E3" measure their class within the boundary.
-int FGetHArea(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-              double& area);
-int FGetH1Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetH11Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
-                const AcDbObjectIdArray& cutIds, double& area);
-int FGetH2Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetH3Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetH4Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetH5Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetH9Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetEArea(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-              double& area);
-int FGetE1Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetE2Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
-int FGetE3Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
-               double& area);
+KPLAN_API int FGetHArea(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                        const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH1Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH11Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                          const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH2Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH3Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH4Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH5Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetH9Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetEArea(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                        const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetE1Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetE2Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);
+KPLAN_API int FGetE3Area(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
+                         const AcDbObjectIdArray& cutIds, double& area);

@@ -1,6 +1,8 @@
 #pragma once
 // Result codes of database operations.
 
+#include "kplan/Export.h"
+
 namespace Acad {
 enum ErrorStatus {
     eOk = 0,
@@ -130,4 +132,4 @@ enum ErrorStatus {
 }  // namespace Acad
 
 // Returns the name of a status ("eOk", "eWasErased", ...), for messages.
-const wchar_t* acadErrorStatusText(Acad::ErrorStatus status);
+KPLAN_API const wchar_t* acadErrorStatusText(Acad::ErrorStatus status);

@@ -8,8 +8,9 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcApDocument {
+class KPLAN_API AcApDocument {
   public:
     explicit AcApDocument(std::unique_ptr<AcDbDatabase> database, const ACHAR* fileName = L"");
     AcDbDatabase* database() const { return database_.get(); }
@@ -29,7 +30,7 @@ class AcApDocument {
     int locks_ = 0;
 };
 
-class AcApDocManager {
+class KPLAN_API AcApDocManager {
   public:
     AcApDocument* curDocument() const;
     AcApDocument* mdiActiveDocument() const { return curDocument(); }
@@ -63,7 +64,7 @@ class AcApDocManager {
 // threads' current documents do not change. Closing the thread's current document leaves
 // it with none. For a thread that works on one drawing after another while other threads
 // do the same; the drawings themselves are not shared.
-class AcApThreadDocuments {
+class KPLAN_API AcApThreadDocuments {
   public:
     AcApThreadDocuments();
     ~AcApThreadDocuments();
@@ -74,5 +75,5 @@ class AcApThreadDocuments {
     bool outer_;
 };
 
-AcApDocManager* acDocManagerPtr();
+KPLAN_API AcApDocManager* acDocManagerPtr();
 #define acDocManager acDocManagerPtr()

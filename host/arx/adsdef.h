@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "host/arx/adesk.h"
+#include "kplan/Export.h"
 
 using ads_real = double;
 using ads_point = ads_real[3];
@@ -32,7 +33,7 @@ inline void ads_point_set(const ads_point from, ads_point to) {
     to[2] = from[2];
 }
 
-struct ads_binary {
+struct KPLAN_API ads_binary {
     short clen;
     char* buf;
 };
@@ -50,7 +51,7 @@ union ads_u_val {
     unsigned char ihandle[8];
 };
 
-struct resbuf {
+struct KPLAN_API resbuf {
     resbuf* rbnext;
     short restype;
     ads_u_val resval;

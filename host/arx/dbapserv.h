@@ -3,8 +3,9 @@
 #include <atomic>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbHostApplicationServices {
+class KPLAN_API AcDbHostApplicationServices {
   public:
     // The current document's drawing, unless a caller set another one.
     AcDbDatabase* workingDatabase() const;
@@ -16,7 +17,7 @@ class AcDbHostApplicationServices {
     std::atomic<AcDbDatabase*> working_{nullptr};
 };
 
-AcDbHostApplicationServices* acdbHostApplicationServices();
+KPLAN_API AcDbHostApplicationServices* acdbHostApplicationServices();
 inline AcDbDatabase* acdbCurDwg() {
     return acdbHostApplicationServices()->workingDatabase();
 }

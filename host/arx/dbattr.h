@@ -4,10 +4,11 @@
 #include <string>
 
 #include "host/arx/dbents.h"
+#include "kplan/Export.h"
 
 // What attribute definitions and attributes share: the tag and the flags. Setters refuse
 // with eNotOpenForWrite on a resident object not open for write.
-class AcDbAttributeTag {
+class KPLAN_API AcDbAttributeTag {
   public:
     // The bits of group 70.
     static constexpr int kInvisibleBit = 1, kConstantBit = 2, kVerifiableBit = 4, kPresetBit = 8;
@@ -39,7 +40,7 @@ class AcDbAttributeTag {
     Adesk::UInt16 fieldLength_ = 0;
 };
 
-class AcDbAttributeDefinition : public AcDbText, public AcDbAttributeTag {
+class KPLAN_API AcDbAttributeDefinition : public AcDbText, public AcDbAttributeTag {
   public:
     ACRX_DECLARE_MEMBERS(AcDbAttributeDefinition)
     AcDbAttributeDefinition() = default;
@@ -58,7 +59,7 @@ class AcDbAttributeDefinition : public AcDbText, public AcDbAttributeTag {
     std::wstring prompt_;
 };
 
-class AcDbAttribute : public AcDbText, public AcDbAttributeTag {
+class KPLAN_API AcDbAttribute : public AcDbText, public AcDbAttributeTag {
   public:
     ACRX_DECLARE_MEMBERS(AcDbAttribute)
     AcDbAttribute() = default;

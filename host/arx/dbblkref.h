@@ -6,8 +6,9 @@
 
 #include "host/arx/dbattr.h"
 #include "host/arx/gescl3d.h"
+#include "kplan/Export.h"
 
-class AcDbBlockReference : public AcDbEntity {
+class KPLAN_API AcDbBlockReference : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbBlockReference)
     AcDbBlockReference() = default;

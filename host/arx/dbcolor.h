@@ -5,6 +5,7 @@
 
 #include "host/arx/acadstrc.h"
 #include "host/arx/adesk.h"
+#include "kplan/Export.h"
 
 namespace AcCm {
 enum ColorMethod {
@@ -20,7 +21,7 @@ enum ColorMethod {
 };
 }
 
-class AcCmEntityColor {
+class KPLAN_API AcCmEntityColor {
   public:
     enum ACIcolorMethod { kACIbyBlock = 0, kACIbyLayer = 256, kACIforeground = 7 };
 
@@ -53,7 +54,7 @@ class AcCmEntityColor {
     Adesk::UInt32 value_ = 256;  // index, or 0xRRGGBB for a true colour
 };
 
-class AcCmColor {
+class KPLAN_API AcCmColor {
   public:
     AcCmColor() = default;
 

@@ -1,8 +1,9 @@
 #pragma once
 // Curves: entities with a parameter running along them.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbCurve : public AcDbEntity {
+class KPLAN_API AcDbCurve : public AcDbEntity {
   public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbCurve)
 
@@ -20,7 +21,8 @@ class AcDbCurve : public AcDbEntity {
 
 // The area and the length of a circular segment of a bulged chord: bulge is the
 // tangent of a quarter of the included angle, positive counter-clockwise.
-double acgeBulgeSegmentArea(double chord, double bulge);
-double acgeBulgeArcLength(double chord, double bulge);
+KPLAN_API double acgeBulgeSegmentArea(double chord, double bulge);
+KPLAN_API double acgeBulgeArcLength(double chord, double bulge);
 // The point at fraction t (0..1) of the arc from p to q with the given bulge.
-AcGePoint2d acgeBulgePointAt(const AcGePoint2d& p, const AcGePoint2d& q, double bulge, double t);
+KPLAN_API AcGePoint2d acgeBulgePointAt(const AcGePoint2d& p, const AcGePoint2d& q, double bulge,
+                                       double t);

@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 class AcDbDictionaryIterator;
 
-class AcDbDictionary : public AcDbObject {
+class KPLAN_API AcDbDictionary : public AcDbObject {
   public:
     ACRX_DECLARE_MEMBERS(AcDbDictionary)
 
@@ -52,7 +53,7 @@ class AcDbDictionary : public AcDbObject {
     bool hardOwner_ = false;
 };
 
-class AcDbDictionaryIterator {
+class KPLAN_API AcDbDictionaryIterator {
   public:
     explicit AcDbDictionaryIterator(std::vector<std::pair<std::wstring, AcDbObjectId>> entries)
         : entries_(std::move(entries)) {}

@@ -1,12 +1,13 @@
 #pragma once
 // The ellipse and the elliptic arc.
 #include "host/arx/dbcurve.h"
+#include "kplan/Export.h"
 
 // Runs counter-clockwise about its normal from its start parameter to its end one; the
 // point at parameter t is center + majorAxis * cos t + minorAxis * sin t. A whole
 // ellipse runs from 0 to 2 pi. Angles (startAngle, endAngle) are measured from the major
 // axis to the point, parameters are the eccentric anomaly; they agree at every quarter.
-class AcDbEllipse : public AcDbCurve {
+class KPLAN_API AcDbEllipse : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbEllipse)
     AcDbEllipse() = default;

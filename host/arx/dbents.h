@@ -5,8 +5,9 @@
 
 #include "host/arx/dbcurve.h"
 #include "host/arx/ownedchain.h"
+#include "kplan/Export.h"
 
-class AcDbLine : public AcDbCurve {
+class KPLAN_API AcDbLine : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbLine)
     AcDbLine() = default;
@@ -28,7 +29,7 @@ class AcDbLine : public AcDbCurve {
     AcGePoint3d start_, end_;
 };
 
-class AcDbCircle : public AcDbCurve {
+class KPLAN_API AcDbCircle : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbCircle)
     AcDbCircle() = default;
@@ -57,7 +58,7 @@ class AcDbCircle : public AcDbCurve {
 };
 
 // A counter-clockwise arc from its start angle to its end angle.
-class AcDbArc : public AcDbCurve {
+class KPLAN_API AcDbArc : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbArc)
     AcDbArc() = default;
@@ -102,7 +103,7 @@ enum TextHorzMode {
 enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop = 3 };
 }  // namespace AcDb
 
-class AcDbText : public AcDbEntity {
+class KPLAN_API AcDbText : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbText)
     AcDbText() = default;
@@ -145,7 +146,7 @@ class AcDbText : public AcDbEntity {
     AcDb::TextVertMode vertical_ = AcDb::kTextBase;
 };
 
-class AcDb2dVertex : public AcDbEntity {
+class KPLAN_API AcDb2dVertex : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDb2dVertex)
     AcDb2dVertex() = default;
@@ -169,13 +170,13 @@ class AcDb2dVertex : public AcDbEntity {
     AcDb::Vertex2dType type_ = AcDb::k2dVertex;
 };
 
-class AcDbSequenceEnd : public AcDbEntity {
+class KPLAN_API AcDbSequenceEnd : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbSequenceEnd)
 };
 
 // Walks the vertices of a polyline.
-class AcDbObjectIterator {
+class KPLAN_API AcDbObjectIterator {
   public:
     explicit AcDbObjectIterator(std::vector<AcDbObjectId> ids) : ids_(std::move(ids)) {}
     void start(bool atEnd = false) { index_ = atEnd ? ids_.size() - 1 : 0; }
@@ -189,7 +190,7 @@ class AcDbObjectIterator {
 };
 
 // The 2D polyline of older drawings, whose vertices are objects of their own.
-class AcDb2dPolyline : public AcDbCurve {
+class KPLAN_API AcDb2dPolyline : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDb2dPolyline)
     AcDb2dPolyline() = default;

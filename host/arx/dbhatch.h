@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // One edge of an edge loop; its type is an AcDbHatch::HatchEdgeType.
-struct AcDbHatchEdge {
+struct KPLAN_API AcDbHatchEdge {
     int type = 1;            // AcDbHatch::HatchEdgeType
     AcGePoint2d start, end;  // a line
     // A circular arc (majorAxis unused) or an elliptic arc (radius unused; the minor
@@ -32,7 +33,7 @@ struct AcDbHatchEdge {
 
 // One line family of a hatch pattern, as the drawing stores it (already scaled and
 // rotated by the hatch's pattern scale and angle).
-struct AcDbHatchPatternLine {
+struct KPLAN_API AcDbHatchPatternLine {
     double angle = 0;  // degrees
     AcGePoint2d base;
     AcGeVector2d offset;
@@ -40,7 +41,7 @@ struct AcDbHatchPatternLine {
     bool operator==(const AcDbHatchPatternLine&) const = default;
 };
 
-class AcDbHatch : public AcDbEntity {
+class KPLAN_API AcDbHatch : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbHatch)
     enum HatchLoopType {
@@ -160,9 +161,9 @@ class AcDbHatch : public AcDbEntity {
 // pattern file (kplan.pat) or the metric one (kplaniso.pat); empty for SOLID, for a name
 // the file lacks and when the file cannot be read (see acdbHatchPatternFileError). A
 // hatch takes the file of its drawing's $MEASUREMENT.
-const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name,
-                                                                    bool metric = false);
+KPLAN_API const std::vector<AcDbHatchPatternLine>& acdbPredefinedHatchPattern(const ACHAR* name,
+                                                                              bool metric = false);
 // Why the pattern file cannot be read (missing, or the line that is malformed), "" when
 // it was read. setPattern of a predefined pattern other than SOLID then fails with
 // eFileNotFound and prints this once on the command line.
-const std::string& acdbHatchPatternFileError(bool metric);
+KPLAN_API const std::string& acdbHatchPatternFileError(bool metric);

@@ -7,13 +7,14 @@
 
 #include "host/arx/acarray.h"
 #include "host/arx/adesk.h"
+#include "kplan/Export.h"
 
 namespace db {
 struct Stub;
 }
 class AcDbDatabase;
 
-class AcDbHandle {
+class KPLAN_API AcDbHandle {
   public:
     AcDbHandle() = default;
     AcDbHandle(std::uint64_t value) : value_(value) {}
@@ -31,7 +32,7 @@ class AcDbHandle {
     std::uint64_t value_ = 0;
 };
 
-class AcDbObjectId {
+class KPLAN_API AcDbObjectId {
   public:
     AcDbObjectId() = default;
     explicit AcDbObjectId(db::Stub* stub) : stub_(stub) {}

@@ -14,6 +14,7 @@
 #include "host/arx/gepnt3d.h"
 #include "host/arx/rxobject.h"
 #include "host/db/Value.h"
+#include "kplan/Export.h"
 
 namespace AcDb {
 enum OpenMode { kForRead = 0, kForWrite = 1, kForNotify = 2 };
@@ -31,7 +32,7 @@ class AcDbRegAppTable;
 class AcDbLinetypeTable;
 class AcDbSymbolTable;
 
-class AcDbExtents {
+class KPLAN_API AcDbExtents {
   public:
     AcDbExtents() = default;
     AcDbExtents(const AcGePoint3d& min, const AcGePoint3d& max)
@@ -48,7 +49,7 @@ class AcDbExtents {
     bool set_ = false;
 };
 
-class AcDbObject : public AcRxObject {
+class KPLAN_API AcDbObject : public AcRxObject {
   public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbObject)
     AcDbObject() = default;
@@ -154,7 +155,7 @@ class AcDbObject : public AcRxObject {
     std::uint64_t packedSerial_ = 0;
 };
 
-class AcDbEntity : public AcDbObject {
+class KPLAN_API AcDbEntity : public AcDbObject {
   public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbEntity)
     AcDbEntity() = default;
@@ -214,12 +215,12 @@ class AcDbEntity : public AcDbObject {
 
 // Opens an object by id. Opening an erased object fails unless openErased is set;
 // opening for write an object already open fails, as does a class that does not fit.
-Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
-                                     bool openErased = false);
-Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::OpenMode mode,
-                                     bool openErased = false);
-Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
-                                 bool openErased = false);
+KPLAN_API Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id,
+                                               AcDb::OpenMode mode, bool openErased = false);
+KPLAN_API Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id,
+                                               AcDb::OpenMode mode, bool openErased = false);
+KPLAN_API Acad::ErrorStatus acdbOpenObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                           bool openErased = false);
 
 template <typename T>
 Acad::ErrorStatus acdbOpenObject(T*& obj, AcDbObjectId id, AcDb::OpenMode mode,
@@ -236,7 +237,7 @@ Acad::ErrorStatus acdbOpenObject(T*& obj, AcDbObjectId id, AcDb::OpenMode mode,
     return Acad::eOk;
 }
 
-class AcDbDatabase : public db::Database {
+class KPLAN_API AcDbDatabase : public db::Database {
   public:
     // With buildDefaultDrawing, the tables and the entries every drawing has: layer
     // "0", linetypes ByLayer/ByBlock/Continuous, application "ACAD", model and paper
@@ -332,5 +333,5 @@ class AcDbDatabase : public db::Database {
 };
 
 // Entity names of the command-line interface and object ids.
-Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id);
-Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name name);
+KPLAN_API Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id);
+KPLAN_API Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name name);

@@ -3,8 +3,9 @@
 #include <string>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbMText : public AcDbEntity {
+class KPLAN_API AcDbMText : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbMText)
     enum AttachmentPoint {

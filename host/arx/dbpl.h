@@ -4,8 +4,9 @@
 #include <vector>
 
 #include "host/arx/dbcurve.h"
+#include "kplan/Export.h"
 
-class AcDbPolyline : public AcDbCurve {
+class KPLAN_API AcDbPolyline : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbPolyline)
     AcDbPolyline() = default;

@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbRegion : public AcDbEntity {
+class KPLAN_API AcDbRegion : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbRegion)
 

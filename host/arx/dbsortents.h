@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbSortentsTable : public AcDbObject {
+class KPLAN_API AcDbSortentsTable : public AcDbObject {
   public:
     ACRX_DECLARE_MEMBERS(AcDbSortentsTable)
 

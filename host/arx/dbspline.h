@@ -4,8 +4,9 @@
 #include <vector>
 
 #include "host/arx/dbcurve.h"
+#include "kplan/Export.h"
 
-class AcDbSpline : public AcDbCurve {
+class KPLAN_API AcDbSpline : public AcDbCurve {
   public:
     ACRX_DECLARE_MEMBERS(AcDbSpline)
     AcDbSpline() = default;

@@ -5,11 +5,12 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 #define ACDB_MODEL_SPACE L"*Model_Space"
 #define ACDB_PAPER_SPACE L"*Paper_Space"
 
-class AcDbSymbolTableRecord : public AcDbObject {
+class KPLAN_API AcDbSymbolTableRecord : public AcDbObject {
   public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbSymbolTableRecord)
     // A copy the caller frees with acutDelString.
@@ -26,7 +27,7 @@ class AcDbSymbolTableRecord : public AcDbObject {
 
 class AcDbSymbolTableIterator;
 
-class AcDbSymbolTable : public AcDbObject {
+class KPLAN_API AcDbSymbolTable : public AcDbObject {
   public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbSymbolTable)
 
@@ -53,7 +54,7 @@ class AcDbSymbolTable : public AcDbObject {
     std::vector<AcDbObjectId> records_;
 };
 
-class AcDbSymbolTableIterator {
+class KPLAN_API AcDbSymbolTableIterator {
   public:
     AcDbSymbolTableIterator(std::vector<AcDbObjectId> ids, bool atBeginning, bool skipDeleted);
     virtual ~AcDbSymbolTableIterator() = default;
@@ -111,7 +112,7 @@ class AcDbTypedSymbolTableIterator : public AcDbSymbolTableIterator {
     }
 };
 
-class AcDbLayerTableRecord : public AcDbSymbolTableRecord {
+class KPLAN_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   public:
     ACRX_DECLARE_MEMBERS(AcDbLayerTableRecord)
     AcDbLayerTableRecord() { color_.setColorIndex(7); }
@@ -138,12 +139,12 @@ class AcDbLayerTableRecord : public AcDbSymbolTableRecord {
     bool off_ = false, frozen_ = false, locked_ = false, plottable_ = true;
 };
 
-class AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
+class KPLAN_API AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
   public:
     ACRX_DECLARE_MEMBERS(AcDbRegAppTableRecord)
 };
 
-class AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
+class KPLAN_API AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
   public:
     ACRX_DECLARE_MEMBERS(AcDbLinetypeTableRecord)
     Acad::ErrorStatus comments(const ACHAR*& text) const;
@@ -161,7 +162,7 @@ class AcDbLinetypeTableRecord : public AcDbSymbolTableRecord {
 
 class AcDbBlockTableRecordIterator;
 
-class AcDbBlockTableRecord : public AcDbSymbolTableRecord {
+class KPLAN_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
   public:
     ACRX_DECLARE_MEMBERS(AcDbBlockTableRecord)
 
@@ -188,7 +189,7 @@ class AcDbBlockTableRecord : public AcDbSymbolTableRecord {
     AcGePoint3d origin_;
 };
 
-class AcDbBlockTableRecordIterator {
+class KPLAN_API AcDbBlockTableRecordIterator {
   public:
     AcDbBlockTableRecordIterator(std::vector<AcDbObjectId> ids, bool atBeginning, bool skipDeleted);
     void start(bool atBeginning = true, bool skipDeleted = true);
@@ -209,21 +210,23 @@ using AcDbRegAppTableIterator = AcDbTypedSymbolTableIterator<AcDbRegAppTableReco
 using AcDbLinetypeTableIterator = AcDbTypedSymbolTableIterator<AcDbLinetypeTableRecord>;
 using AcDbBlockTableIterator = AcDbTypedSymbolTableIterator<AcDbBlockTableRecord>;
 
-class AcDbLayerTable : public AcDbTypedSymbolTable<AcDbLayerTableRecord, AcDbLayerTableIterator> {
+class KPLAN_API AcDbLayerTable
+    : public AcDbTypedSymbolTable<AcDbLayerTableRecord, AcDbLayerTableIterator> {
   public:
     ACRX_DECLARE_MEMBERS(AcDbLayerTable)
 };
-class AcDbRegAppTable
+class KPLAN_API AcDbRegAppTable
     : public AcDbTypedSymbolTable<AcDbRegAppTableRecord, AcDbRegAppTableIterator> {
   public:
     ACRX_DECLARE_MEMBERS(AcDbRegAppTable)
 };
-class AcDbLinetypeTable
+class KPLAN_API AcDbLinetypeTable
     : public AcDbTypedSymbolTable<AcDbLinetypeTableRecord, AcDbLinetypeTableIterator> {
   public:
     ACRX_DECLARE_MEMBERS(AcDbLinetypeTable)
 };
-class AcDbBlockTable : public AcDbTypedSymbolTable<AcDbBlockTableRecord, AcDbBlockTableIterator> {
+class KPLAN_API AcDbBlockTable
+    : public AcDbTypedSymbolTable<AcDbBlockTableRecord, AcDbBlockTableIterator> {
   public:
     ACRX_DECLARE_MEMBERS(AcDbBlockTable)
 };

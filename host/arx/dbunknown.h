@@ -6,16 +6,17 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 // One tag as read: its group code and its text (UTF-8, as every string in memory).
-struct AcDbRawTag {
+struct KPLAN_API AcDbRawTag {
     int code = 0;
     std::string value;
     bool operator==(const AcDbRawTag&) const = default;
 };
 using AcDbRawTags = std::vector<AcDbRawTag>;
 
-class AcDbUnknownEntity : public AcDbEntity {
+class KPLAN_API AcDbUnknownEntity : public AcDbEntity {
   public:
     ACRX_DECLARE_MEMBERS(AcDbUnknownEntity)
     AcDbUnknownEntity() = default;
@@ -31,7 +32,7 @@ class AcDbUnknownEntity : public AcDbEntity {
     AcDbRawTags tags_;
 };
 
-class AcDbUnknownObject : public AcDbObject {
+class KPLAN_API AcDbUnknownObject : public AcDbObject {
   public:
     ACRX_DECLARE_MEMBERS(AcDbUnknownObject)
     AcDbUnknownObject() = default;

@@ -1,8 +1,9 @@
 #pragma once
 // An xrecord: a list of tagged values kept in a dictionary.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
-class AcDbXrecord : public AcDbObject {
+class KPLAN_API AcDbXrecord : public AcDbObject {
   public:
     ACRX_DECLARE_MEMBERS(AcDbXrecord)
 

@@ -1,13 +1,14 @@
 #pragma once
 // Planes of the host's geometry library.
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 namespace AcDb {
 enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
 }  // namespace AcDb
 
 // A bounded or unbounded planar surface given by an origin and two axes.
-class AcGePlanarEnt {
+class KPLAN_API AcGePlanarEnt {
   public:
     AcGePlanarEnt() = default;
     AcGePlanarEnt(const AcGePoint3d& origin, const AcGeVector3d& uAxis, const AcGeVector3d& vAxis)
@@ -29,7 +30,7 @@ class AcGePlanarEnt {
 };
 
 // The unbounded plane; by default the XY plane of the world.
-class AcGePlane : public AcGePlanarEnt {
+class KPLAN_API AcGePlane : public AcGePlanarEnt {
   public:
     AcGePlane() = default;
     AcGePlane(const AcGePoint3d& origin, const AcGeVector3d& uAxis, const AcGeVector3d& vAxis)

@@ -3,8 +3,9 @@
 #include <cmath>
 
 #include "host/arx/acarray.h"
+#include "kplan/Export.h"
 
-class AcGeTol {
+class KPLAN_API AcGeTol {
   public:
     double equalPoint() const { return point_; }
     double equalVector() const { return vector_; }
@@ -16,11 +17,11 @@ class AcGeTol {
     double vector_ = 1e-12;
 };
 
-struct AcGeContext {
+struct KPLAN_API AcGeContext {
     static AcGeTol gTol;
 };
 
-class AcGeVector2d {
+class KPLAN_API AcGeVector2d {
   public:
     double x = 0, y = 0;
     AcGeVector2d() = default;
@@ -37,7 +38,7 @@ class AcGeVector2d {
     bool operator==(const AcGeVector2d&) const = default;
 };
 
-class AcGePoint2d {
+class KPLAN_API AcGePoint2d {
   public:
     double x = 0, y = 0;
     AcGePoint2d() = default;
@@ -55,7 +56,7 @@ class AcGePoint2d {
     double& operator[](int i) { return i == 0 ? x : y; }
 };
 
-class AcGeVector3d {
+class KPLAN_API AcGeVector3d {
   public:
     double x = 0, y = 0, z = 0;
     AcGeVector3d() = default;
@@ -82,7 +83,7 @@ class AcGeVector3d {
     bool operator==(const AcGeVector3d&) const = default;
 };
 
-class AcGePoint3d {
+class KPLAN_API AcGePoint3d {
   public:
     double x = 0, y = 0, z = 0;
     AcGePoint3d() = default;

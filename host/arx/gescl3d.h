@@ -1,6 +1,8 @@
 #pragma once
 // Scale factors along the three axes.
-class AcGeScale3d {
+
+#include "kplan/Export.h"
+class KPLAN_API AcGeScale3d {
   public:
     double sx = 1, sy = 1, sz = 1;
     AcGeScale3d() = default;

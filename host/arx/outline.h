@@ -3,20 +3,21 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace arx {
 
 // Arcs, bulges and circles become chords whose sagitta stays within chordTolerance.
 // False for entities without a curve outline.
-bool entityOutline(const AcDbEntity* entity, std::vector<AcGePoint2d>& points, bool& closed,
-                   double chordTolerance = 0.01);
+KPLAN_API bool entityOutline(const AcDbEntity* entity, std::vector<AcGePoint2d>& points,
+                             bool& closed, double chordTolerance = 0.01);
 
 // Appends the chord points of the arc from p to q with a bulge, q included.
-void appendBulgeChords(const AcGePoint2d& p, const AcGePoint2d& q, double bulge,
-                       double chordTolerance, std::vector<AcGePoint2d>& points);
+KPLAN_API void appendBulgeChords(const AcGePoint2d& p, const AcGePoint2d& q, double bulge,
+                                 double chordTolerance, std::vector<AcGePoint2d>& points);
 
 // Widens extents by the arc from p to q with a bulge, exactly (its quadrant points).
-void addBulgeExtents(const AcGePoint2d& p, const AcGePoint2d& q, double bulge, double z,
-                     AcDbExtents& extents);
+KPLAN_API void addBulgeExtents(const AcGePoint2d& p, const AcGePoint2d& q, double bulge, double z,
+                               AcDbExtents& extents);
 
 }  // namespace arx

@@ -4,10 +4,11 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace arx {
 
-class OwnedChain {
+class KPLAN_API OwnedChain {
   public:
     // Every member, erased ones included, in order.
     const std::vector<AcDbObjectId>& ids() const { return ids_; }

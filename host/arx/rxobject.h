@@ -2,8 +2,9 @@
 // Run-time class information: the host's isKindOf / cast / isA.
 #include "host/arx/adesk.h"
 #include "host/db/Database.h"
+#include "kplan/Export.h"
 
-class AcRxClass {
+class KPLAN_API AcRxClass {
   public:
     AcRxClass(const ACHAR* name, const ACHAR* dxfName, const AcRxClass* parent)
         : name_(name), dxfName_(dxfName), parent_(parent) {}
@@ -23,7 +24,7 @@ class AcRxClass {
     const AcRxClass* parent_;
 };
 
-class AcRxObject : public db::ObjectBase {
+class KPLAN_API AcRxObject : public db::ObjectBase {
   public:
     static AcRxClass* desc();
     static AcRxObject* cast(AcRxObject* obj) { return obj; }

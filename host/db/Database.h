@@ -7,19 +7,21 @@
 #include <memory>
 #include <unordered_map>
 
+#include "kplan/Export.h"
+
 namespace db {
 
 class Database;
 
 // Base of every object kept in a database.
-class ObjectBase {
+class KPLAN_API ObjectBase {
   public:
     virtual ~ObjectBase() = default;
 };
 
 // The permanent identity of one object. Stubs are never moved or freed while their
 // database lives, so a pointer to one is a stable id even after the object is erased.
-struct Stub {
+struct KPLAN_API Stub {
     Database* database = nullptr;
     std::uint64_t handle = 0;
     std::unique_ptr<ObjectBase> object;
@@ -31,7 +33,7 @@ struct Stub {
     bool isOpen() const { return readers > 0 || writer; }
 };
 
-class Database {
+class KPLAN_API Database {
   public:
     Database();
     virtual ~Database();
@@ -66,7 +68,7 @@ class Database {
 
 // Entity names of the command-line interface are (handle, database serial) pairs,
 // so that a stale or forged name is looked up and refused, never dereferenced.
-void stubToName(const Stub* stub, std::int64_t name[2]);
-Stub* nameToStub(const std::int64_t name[2]);
+KPLAN_API void stubToName(const Stub* stub, std::int64_t name[2]);
+KPLAN_API Stub* nameToStub(const std::int64_t name[2]);
 
 }  // namespace db

@@ -2,6 +2,8 @@
 // What kind of value a DXF group code carries. Shared by xdata, xrecords, result
 // buffers and the DXF reader, so that all of them agree on every code.
 
+#include "kplan/Export.h"
+
 namespace db {
 
 enum class ValueKind {
@@ -18,6 +20,6 @@ enum class ValueKind {
     ObjectRef,  // soft or hard pointer/ownership to another object (320-369, 390-399, 480-481)
 };
 
-ValueKind kindOfGroupCode(int code);
+KPLAN_API ValueKind kindOfGroupCode(int code);
 
 }  // namespace db

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/db/GroupCode.h"
+#include "kplan/Export.h"
 
 namespace db {
 
@@ -14,7 +15,7 @@ struct Stub;
 using Point = std::array<double, 3>;
 using Bytes = std::vector<std::uint8_t>;
 
-struct Value {
+struct KPLAN_API Value {
     int code = 0;
     // Integers of every width and booleans are held as int64; strings and handles as
     // text; object references as the stub of the object referred to.

@@ -7,11 +7,13 @@
 #include <cstddef>
 #include <string>
 
+#include "kplan/Export.h"
+
 namespace db {
 
 // One argument of Format, captured with its type so that the conversion in the format
 // string cannot misread it.
-struct FormatArg {
+struct KPLAN_API FormatArg {
     enum class Kind { None, Signed, Unsigned, Floating, Wide, Narrow, Pointer };
     Kind kind = Kind::None;
     int size = 0;  // bytes of the original integer, for %d of an unsigned and the like
@@ -24,7 +26,7 @@ struct FormatArg {
     const void* p = nullptr;
 };
 
-std::wstring formatArgs(const wchar_t* format, const FormatArg* args, std::size_t count);
-std::wstring formatVa(const wchar_t* format, va_list args);
+KPLAN_API std::wstring formatArgs(const wchar_t* format, const FormatArg* args, std::size_t count);
+KPLAN_API std::wstring formatVa(const wchar_t* format, va_list args);
 
 }  // namespace db

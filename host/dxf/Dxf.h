@@ -8,15 +8,16 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace dxf {
 
-struct SaveOptions {
+struct KPLAN_API SaveOptions {
     // "AC1015" to "AC1032"; empty: AC1024, or the version the drawing came in when newer.
     std::string version;
 };
 
-struct ReadOptions {
+struct KPLAN_API ReadOptions {
     // Threads that read the entities of an ASCII file: one reads the tags while the
     // other makes the objects. 0 lets the drawing decide: two from a megabyte on, on a
     // machine with two cores. 1 or 2 fixes it. The drawing read is the same.
@@ -33,50 +34,51 @@ struct ReadOptions {
 
 // What a read with recover repaired or kept as read, one message per case naming the
 // file and the line.
-struct ReadReport {
+struct KPLAN_API ReadReport {
     std::vector<std::string> warnings;
     // Entities kept as read because a number in them is not one.
     std::vector<AcDbObjectId> keptAsRead;
 };
 // The report of the read that made the database (empty for a drawing made here).
-const ReadReport& readReport(const AcDbDatabase& database);
+KPLAN_API const ReadReport& readReport(const AcDbDatabase& database);
 
 // Reads a drawing into a new database; null on failure, with the reason in error.
-std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,
-                                   const ReadOptions& options = {});
+KPLAN_API std::unique_ptr<AcDbDatabase> load(const std::string& path, std::string& error,
+                                             const ReadOptions& options = {});
 // Reads into a database made with AcDbDatabase(false). On failure it holds a partial
 // drawing that the caller must discard.
-bool load(const std::string& path, AcDbDatabase& database, std::string& error,
-          const ReadOptions& options = {});
-bool read(std::istream& in, AcDbDatabase& database, std::string& error,
-          const std::string& name = "<stream>", const ReadOptions& options = {});
+KPLAN_API bool load(const std::string& path, AcDbDatabase& database, std::string& error,
+                    const ReadOptions& options = {});
+KPLAN_API bool read(std::istream& in, AcDbDatabase& database, std::string& error,
+                    const std::string& name = "<stream>", const ReadOptions& options = {});
 
 // Writes the drawing to a temporary file beside the target, flushes it and renames
 // it over the target, keeping the previous file as <path>.bak (one generation: an older
 // .bak is replaced). A symbolic link stays a link and the file it points to is replaced.
 // On failure the target is as it was. The progress bar (host/db/Progress.h) shows the
 // objects written.
-bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
-          const SaveOptions& options = {});
-bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
-           const SaveOptions& options = {});
+KPLAN_API bool save(const AcDbDatabase& database, const std::string& path, std::string& error,
+                    const SaveOptions& options = {});
+KPLAN_API bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
+                     const SaveOptions& options = {});
 
 // Keeps the object's xdata in the loader's compact form until it is next used, as a
 // loaded drawing keeps it, so that a drawing of many records made in memory costs what
 // the same drawing loaded does. Xdata that names objects (1005) stays as it is; false then.
-bool compactXdata(AcDbObject& object);
+KPLAN_API bool compactXdata(AcDbObject& object);
 
 // What the file said about itself, and the header variables kplan uses.
-struct DrawingInfo {
+struct KPLAN_API DrawingInfo {
     std::string version;   // as read; AC1024 for a drawing made here
     std::string codePage;  // $DWGCODEPAGE
     int insUnits = 6;      // $INSUNITS
     double viewCenterX = 0, viewCenterY = 0, viewHeight = 1000, viewAspect = 1.5;
     bool hasView = false;
 };
-DrawingInfo drawingInfo(const AcDbDatabase& database);
+KPLAN_API DrawingInfo drawingInfo(const AcDbDatabase& database);
 // Changes the view and units written with the drawing.
-void setView(AcDbDatabase& database, double centerX, double centerY, double height, double aspect);
-void setInsUnits(AcDbDatabase& database, int units);
+KPLAN_API void setView(AcDbDatabase& database, double centerX, double centerY, double height,
+                       double aspect);
+KPLAN_API void setInsUnits(AcDbDatabase& database, int units);
 
 }  // namespace dxf

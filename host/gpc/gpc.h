@@ -7,6 +7,8 @@
 // Behind it is Clipper. Input contours are read even-odd, as GPC reads them (hole flags
 // of the input are not consulted); result contours carry hole flags.
 
+#include "kplan/Export.h"
+
 typedef enum { GPC_DIFF, GPC_INT, GPC_XOR, GPC_UNION } gpc_op;
 
 typedef struct {
@@ -26,12 +28,12 @@ typedef struct {
 } gpc_polygon;
 
 // Appends a copy of the contour to the polygon, with its hole flag.
-void gpc_add_contour(gpc_polygon* polygon, gpc_vertex_list* contour, int hole);
+KPLAN_API void gpc_add_contour(gpc_polygon* polygon, gpc_vertex_list* contour, int hole);
 
 // result = subject <op> clip. The result's previous contents are not freed: pass an
 // empty polygon or one already freed.
-void gpc_polygon_clip(gpc_op set_operation, gpc_polygon* subject_polygon, gpc_polygon* clip_polygon,
-                      gpc_polygon* result_polygon);
+KPLAN_API void gpc_polygon_clip(gpc_op set_operation, gpc_polygon* subject_polygon,
+                                gpc_polygon* clip_polygon, gpc_polygon* result_polygon);
 
 // Frees the contours and leaves an empty polygon.
-void gpc_free_polygon(gpc_polygon* polygon);
+KPLAN_API void gpc_free_polygon(gpc_polygon* polygon);

@@ -16,10 +16,11 @@
 #include "host/db/Value.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "kplan/Export.h"
 
 namespace ARX_DATA {
 
-class CFSimpleXData {
+class KPLAN_API CFSimpleXData {
   public:
     // Clears names and lists every application that carries xdata on the entity, in stored
     // order; returns their number.
@@ -34,7 +35,7 @@ class CFSimpleXData {
     static int SetTo(AcDbObjectId id, const ACHAR* appName, const ACHAR* value);
 };
 
-class CFGisXData {
+class KPLAN_API CFGisXData {
   public:
     // The value of the field in the entity's GIS records, searched in stored order; the
     // second form also gives the record's application. 0 when absent, outputs unchanged.
@@ -73,7 +74,7 @@ class CFGisXData {
 
 // One application's xdata, read from and written to objects the caller has open. Built
 // empty and written, it removes that application's data.
-class ArxDbgAppXdata {
+class KPLAN_API ArxDbgAppXdata {
   public:
     ArxDbgAppXdata(const ACHAR* appName, AcDbDatabase* database);
 

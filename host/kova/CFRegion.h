@@ -1,10 +1,11 @@
 #pragma once
 // The maker's region making: a region entity from a closed curve.
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
-class CFRegion {
+class KPLAN_API CFRegion {
   public:
     // A region with the outline of a closed polyline (lightweight or 2D; one whose ends
     // meet counts as closed) or a circle, arcs kept, added to the block that holds the

@@ -3,10 +3,11 @@
 // union and subtraction of region entities (arcs approximated by chords within 0.01
 // drawing units, then clipped as polygons).
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace FConBase {
 
-class CFReginGen {
+class KPLAN_API CFReginGen {
   public:
     // How GetNoClosePloyLine lets the user give the outline; 4, the only kind the
     // portable host knows, is a polyline entered point by point.

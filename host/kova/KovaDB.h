@@ -6,13 +6,14 @@
 // parameter name and value. Names are free text; no dictionary key restrictions apply.
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
 namespace KovaDB {
 
 inline constexpr const ACHAR* kProjectDict = L"KOVA_PROJECT";
 inline constexpr const ACHAR* kOtherParamKey = L"OTHERPARAM";
 
-class CCustomDatabase {
+class KPLAN_API CCustomDatabase {
   public:
     // The parameters of a drawing; the working one when null.
     explicit CCustomDatabase(AcDbDatabase* database = nullptr) : database_(database) {}
@@ -29,11 +30,11 @@ class CCustomDatabase {
 };
 
 // The project database of a drawing; the working one when null.
-CCustomDatabase qmGetCustomDatabase(AcDbDatabase* database = nullptr);
+KPLAN_API CCustomDatabase qmGetCustomDatabase(AcDbDatabase* database = nullptr);
 
 // What the layer standard sets for one layer key. The defaults are those of a layer
 // the standard does not know: "0", "CONTINUOUS", colour 7.
-struct CLayerParam {
+struct KPLAN_API CLayerParam {
     CString strLayerName = L"0";
     CString strLineType = L"CONTINUOUS";
     int nColorIndex = 7;
@@ -45,7 +46,7 @@ struct CLayerParam {
 // key ("FL_FZ_YDGH_KB") with the keys "图层名", "颜色" (colour index), "线型", "线宽" (mm,
 // empty for the default) and "说明". It is read when asked, so an edited file counts at
 // once.
-class CQmCustomDatabase {
+class KPLAN_API CQmCustomDatabase {
   public:
     // The layer standard of the standard that is current when it is made.
     CQmCustomDatabase();
@@ -56,17 +57,18 @@ class CQmCustomDatabase {
     CString path_;
 };
 
-CQmCustomDatabase qmGetQmCustomDatabase();
+KPLAN_API CQmCustomDatabase qmGetQmCustomDatabase();
 
 // 1 when the layer standard has a section for the key: every key the section sets
 // overwrites the matching member of param (a colour that is no number in 1..256 is left
 // out). 0 with param untouched when the file or the section is missing.
-int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param, const CQmCustomDatabase& database);
+KPLAN_API int qmGetLayerParam(const ACHAR* layerKey, CLayerParam& param,
+                              const CQmCustomDatabase& database);
 
 // The record of a layer that the parcel layer lookups hand to the layer standard: the
 // caller presets it with what a layer of the key should be when the standard does not
 // know the key, and the standard overwrites what it sets.
-struct LAYERPARAM2013EX {
+struct KPLAN_API LAYERPARAM2013EX {
     ACHAR szLayerName[256] = {};  // the layer name; longer names are cut to 255 characters
     int nType = 0;                // preset to 4 by the parcel lookups; kept as given
     CString strUnit;              // preset to "U"; kept as given
@@ -88,8 +90,8 @@ struct LAYERPARAM2013EX {
 // when it does not. The three integers are options of the maker's interface (the parcel
 // lookups pass 0, 1 for a layer that several classes share, and 1) and the project
 // database is the drawing's; the standard here answers alike whatever they are.
-int qmGetLayerParam(const CString& layerKey, LAYERPARAM2013EX& param, int, int shared, int,
-                    CCustomDatabase* database);
+KPLAN_API int qmGetLayerParam(const CString& layerKey, LAYERPARAM2013EX& param, int, int shared,
+                              int, CCustomDatabase* database);
 
 // The layer names that the parcel layer lookups remembered for a drawing (the working one
 // when null), so that a drawing keeps its layers when the standard changes. They travel
@@ -98,8 +100,10 @@ int qmGetLayerParam(const CString& layerKey, LAYERPARAM2013EX& param, int, int s
 // ASCII case, as every dictionary key.
 inline constexpr const ACHAR* kLayerNameDict = L"KOVA_LAYERNAME";
 // 1 with the name stored under the key; 0 with name "" when there is none.
-int qmGetLayerNameFromDict(const ACHAR* key, CString& name, AcDbDatabase* database = nullptr);
+KPLAN_API int qmGetLayerNameFromDict(const ACHAR* key, CString& name,
+                                     AcDbDatabase* database = nullptr);
 // Stores the name under the key, replacing an earlier one; 0 for an empty key or name.
-int qmPutLayerNameIntoDict(const ACHAR* key, const ACHAR* name, AcDbDatabase* database = nullptr);
+KPLAN_API int qmPutLayerNameIntoDict(const ACHAR* key, const ACHAR* name,
+                                     AcDbDatabase* database = nullptr);
 
 }  // namespace KovaDB

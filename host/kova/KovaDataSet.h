@@ -14,8 +14,9 @@
 // class table "2011国标城乡用地类别.txt".
 #include "host/arx/adesk.h"
 #include "host/mfc/CString.h"
+#include "kplan/Export.h"
 
-class CKovaDataSet {
+class KPLAN_API CKovaDataSet {
   public:
     static CString FGetGStandardDirPath();
     static CString FGetStandardName();

@@ -2,10 +2,11 @@
 // Locks the current document for the lifetime of the holder, as commands that change a
 // drawing from outside the command context must.
 #include "host/arx/acdocman.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
-class CFDocLock {
+class KPLAN_API CFDocLock {
   public:
     CFDocLock() : document_(acDocManager->curDocument()) {
         locked_ = document_ && acDocManager->lockDocument(document_) == Acad::eOk;

@@ -4,11 +4,12 @@
 
 #include "host/arx/acadstrc.h"
 #include "host/arx/adesk.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
 // Prints "\n<tag>: <status name>", the tag naming the function ("qmplot::GetDkbjByClass").
-void PrintErrorMsg(Acad::ErrorStatus status, const ACHAR* tag);
+KPLAN_API void PrintErrorMsg(Acad::ErrorStatus status, const ACHAR* tag);
 
 // Runs body; a thrown host status is reported under the tag and, like any other
 // escaping failure, turned into the failure result. The guard of every exported function

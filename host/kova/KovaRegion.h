@@ -2,6 +2,7 @@
 // The maker's region lookup: which of a set of closed curves holds a point.
 #include "host/arx/dbmain.h"
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 namespace kova::ent {
 
@@ -10,6 +11,7 @@ namespace kova::ent {
 // in an island finds the island, not the parcel around it; among equal areas the first
 // listed wins. 1 when one was found; 0 with id unchanged otherwise. Ids that are not
 // curves, not valid or erased are passed over.
-int GetRegionEdgeId(const AcGePoint3d& point, const AcDbObjectIdArray& ids, AcDbObjectId& id);
+KPLAN_API int GetRegionEdgeId(const AcGePoint3d& point, const AcDbObjectIdArray& ids,
+                              AcDbObjectId& id);
 
 }  // namespace kova::ent

@@ -4,10 +4,11 @@
 #include "host/arx/adsdef.h"
 #include "host/arx/dbmain.h"
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
-class CFArxSelSet {
+class KPLAN_API CFArxSelSet {
   public:
     // kSelected is 0: callers test the status against 0 for success.
     enum SelSetStatus { kSelected = 0, kNone, kCanceled, kRejected };

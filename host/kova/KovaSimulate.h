@@ -2,6 +2,7 @@
 // The maker's arc approximation: an outline of vertices and bulges turned into a chain of
 // straight chords, for code that can only clip straight-edged polygons.
 #include "host/arx/gepnt3d.h"
+#include "kplan/Export.h"
 
 namespace kova::ent {
 
@@ -15,7 +16,7 @@ namespace kova::ent {
 //
 // out is cleared first. 0, with out empty, when there are no points or segmentsPerCircle
 // is not positive.
-int SimulateCurve(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges,
-                  int segmentsPerCircle, AcGePoint3dArray& out);
+KPLAN_API int SimulateCurve(const AcGePoint3dArray& points, const AcGeDoubleArray& bulges,
+                            int segmentsPerCircle, AcGePoint3dArray& out);
 
 }  // namespace kova::ent

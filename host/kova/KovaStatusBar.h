@@ -3,10 +3,11 @@
 // number of steps, advances it once per item and ends it; the bar goes to the host's
 // progress sink (host/db/Progress.h).
 #include "host/arx/adesk.h"
+#include "kplan/Export.h"
 
 namespace KovaCad {
 
-class CStatusBarControl {
+class KPLAN_API CStatusBarControl {
   public:
     CStatusBarControl() = default;
     // A bar still shown is ended, so an early return cannot leave it on the screen.

@@ -4,12 +4,13 @@
 #include <string>
 
 #include "host/arx/adsdef.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
 // Sets a system variable for its lifetime. When the variable cannot be read or the new
 // value is refused, nothing is changed and nothing is restored.
-class CSysVar {
+class KPLAN_API CSysVar {
   public:
     CSysVar(const ACHAR* name, int value);
     CSysVar(const ACHAR* name, double value);
@@ -32,7 +33,7 @@ class CSysVar {
 
 // Keeps the command echo (CMDECHO) as it was: with echoOff the echo is switched off for
 // the holder's lifetime, otherwise only whatever the holder's owner does to it is undone.
-class CSaveSysVar {
+class KPLAN_API CSaveSysVar {
   public:
     explicit CSaveSysVar(bool echoOff = true);
     ~CSaveSysVar();

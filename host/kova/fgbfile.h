@@ -12,13 +12,14 @@
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 #include "host/mfc/afx.h"
+#include "kplan/Export.h"
 
 namespace fgbfile {
 
 // TRUE when the path names an existing regular file (or a link to one).
-BOOL FileExist(LPCTSTR path);
+KPLAN_API BOOL FileExist(LPCTSTR path);
 
-class CFStdioFile {
+class KPLAN_API CFStdioFile {
   public:
     enum OpenFlags : UINT {
         modeRead = 0x0000,
@@ -68,7 +69,7 @@ class CFStdioFile {
 // Section and key names are matched ignoring ASCII case. When a section occurs twice only
 // the first one is read, and within a section the first of two equal keys wins, as with
 // the Windows profile functions. Keys before the first section belong to none.
-class CIniFile {
+class KPLAN_API CIniFile {
   public:
     // The flag is part of the maker's interface and changes nothing here.
     explicit CIniFile(LPCTSTR path, int flag = 0);

@@ -4,6 +4,7 @@
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 #include "host/mfc/afx.h"
+#include "kplan/Export.h"
 
 namespace fgdutil {
 
@@ -11,10 +12,10 @@ namespace fgdutil {
 // (which may be several characters long), empty pieces included: "a,,b" gives "a", "",
 // "b" and "a," gives "a", "". An empty text gives an empty list; an empty separator gives
 // the whole text as the one piece. Returns the number of pieces.
-int Str2StrArr(const CString& text, CStringArray& list, const CString& separator);
+KPLAN_API int Str2StrArr(const CString& text, CStringArray& list, const CString& separator);
 
 // Exact, case-sensitive search. index is the first match, or -1 and FALSE when absent.
-BOOL StrArrFindStr(const CStringArray& list, const CString& text, int& index);
-BOOL StrArrFindStr(const CStringArray& list, const CString& text);
+KPLAN_API BOOL StrArrFindStr(const CStringArray& list, const CString& text, int& index);
+KPLAN_API BOOL StrArrFindStr(const CStringArray& list, const CString& text);
 
 }  // namespace fgdutil

@@ -13,8 +13,9 @@
 
 #include "host/db/WindowsFormat.h"
 #include "host/mfc/afx.h"
+#include "kplan/Export.h"
 
-class CString {
+class KPLAN_API CString {
   public:
     CString() = default;
     CString(const wchar_t* text);  // nullptr gives an empty string
@@ -153,7 +154,7 @@ class CString {
 };
 
 // Writes the string as UTF-8 (GoogleTest prints values through it).
-std::ostream& operator<<(std::ostream& out, const CString& text);
+KPLAN_API std::ostream& operator<<(std::ostream& out, const CString& text);
 
 template <>
 struct std::hash<CString> {

@@ -6,8 +6,9 @@
 
 #include "host/mfc/CString.h"
 #include "host/mfc/afx.h"
+#include "kplan/Export.h"
 
-class CStringArray {
+class KPLAN_API CStringArray {
   public:
     using iterator = std::vector<CString>::iterator;
     using const_iterator = std::vector<CString>::const_iterator;

@@ -118,9 +118,21 @@ elseif(STEP STREQUAL "example_cmake")
 elseif(STEP STREQUAL "example_pkgconfig")
     set(ENV{PKG_CONFIG_PATH} ${prefix}/lib/pkgconfig)
     run(COMMAND pkg-config --cflags --libs kplan OUT flags)
+    run(COMMAND pkg-config --cflags kplan OUT cflags)
     run(COMMAND pkg-config --variable=libdir kplan OUT libdir)
     separate_arguments(flags UNIX_COMMAND "${flags}")
+    separate_arguments(cflags UNIX_COMMAND "${cflags}")
     string(STRIP "${libdir}" libdir)
+    # Every installed header together, with nothing but what the package file names: none
+    # may need a header left out of the install or an undeclared library's.
+    file(GLOB_RECURSE headers RELATIVE ${prefix}/include/kplan ${prefix}/include/kplan/*.h)
+    set(all "")
+    foreach(header IN LISTS headers)
+        string(APPEND all "#include \"${header}\"\n")
+    endforeach()
+    file(WRITE ${WORK}/all-headers.cpp "${all}")
+    run(COMMAND ${CXX} -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror
+            ${WORK}/all-headers.cpp ${cflags})
     run(COMMAND ${CXX} -std=c++20 -O1 ${SOURCE_DIR}/examples/sibling-module/main.cpp ${flags}
             -Wl,-rpath,${libdir} -o ${WORK}/sibling-pkgconfig)
     # The sample named, and the hatched drawing saved and read back by the program.
@@ -138,6 +150,45 @@ elseif(STEP STREQUAL "example_pkgconfig")
     if(NOT added EQUAL hatched)
         message(FATAL_ERROR "the saved drawing holds ${added} more hatches, not ${hatched}")
     endif()
+
+elseif(STEP STREQUAL "exports")
+    # The dynamic symbols hold the interface a sibling module calls, and none of the host's
+    # inner workings, the program's folders or the clipper underneath.
+    run(COMMAND nm -D --defined-only -C ${prefix}/lib/libkplan.so OUT symbols)
+    set(exported
+        # records, class tables, statistics, drawing, geometry
+        "CDKBJXDInfo::GetDkbjByClass(" "CDKBJXDInfo::GetArea(" "CDKTCInfo::" "CDYBJInfo::"
+        "CJFBJInfo::" "CJZBJInfo::" "CGHHXInfo::" "dk::SelectParcels(" "CKovaAttribSet::FGetColorFromCur("
+        " FGetHArea(" " FGetDKAreaByBoundaryGPC(" " FTJDKAreaByBoundary(" " FIsDKAndBoundaryInter("
+        "ClipperLib::FGetPathFromPolyline(" " KovaSelectGHFWX(" " FHatch(" " FGetDKLayer("
+        " FGetCenterPt(" " FOffset("
+        # the host surface they use, and opening and saving a drawing
+        "CString::FromUtf8(" "CStringArray::Add(" "AcDbPolyline::" "AcDbHatch::" "acdbOpenObject("
+        " acutBuildList" " acedSSGet" " acDocManagerPtr" "AcApDocManager::appendDocument("
+        "CKovaDataSet::FGetGStandardDirPath(" "kova::ent::GetArea(" " gpc_polygon_clip"
+        "dxf::load(" "dxf::save(" "typeinfo for AcDbPolyline" "vtable for AcDbEntity")
+    foreach(name IN LISTS exported)
+        string(FIND "${symbols}" "${name}" at)
+        if(at EQUAL -1)
+            message(FATAL_ERROR "libkplan.so does not export ${name}")
+        endif()
+    endforeach()
+    set(hidden
+        "db::CommandLine" "db::HatchPatternFile" "db::SelectionSets" "db::installedDataFolder"
+        "db::wideToUtf8" "dxf::TagReader" "dxf::TagWriter" "dxf::FieldTable" "dxf::ReadContext"
+        "arx::systemVariableShort" "arx::entityShape"
+        "anonymous namespace" "kplan::report::" "kplan::gis::" "kplan::render::" "kplan::cli::"
+        "ClipperLib::Clipper" "ClipperLib::Area(")
+    foreach(name IN LISTS hidden)
+        string(FIND "${symbols}" "${name}" at)
+        if(NOT at EQUAL -1)
+            string(REGEX MATCH "[^\n]*${name}[^\n]*" line "${symbols}")
+            message(FATAL_ERROR "libkplan.so exports an internal: ${line}")
+        endif()
+    endforeach()
+    string(REGEX MATCHALL "\n" lines "${symbols}")
+    list(LENGTH lines count)
+    message(STATUS "libkplan.so exports ${count} symbols")
 
 else()
     message(FATAL_ERROR "unknown step ${STEP}")

@@ -7,8 +7,7 @@
 //
 // KPLAN_BENCH_MILLION=1 does what --million does. The drawings are made once beside the
 // benchmark ("realistic-<count>.dxf"); the million took 2 minutes and 4.3 GB to make the
-// first time. Mind the machine: "kplan list" of the million needs more than 12 GB today
-// (12 x the file at 100,000 parcels); --benchmark_filter='-scale/list/1000000' leaves it out.
+// first time; each job of it needs 1.3 to 3 GB of memory.
 //
 // Goals, on this machine: "kplan stats" of 100,000 parcels within 5 x the floor, with the
 // scope line and with --boundary none; of 1,000,000 under 10 s and under 2 x the file's

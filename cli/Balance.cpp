@@ -28,18 +28,18 @@
 namespace kplan::cli {
 
 const std::array<TotalRow, 12> kTotals = {{
-    {"H", FGetHArea, FGetHArea, true},
-    {"H1", FGetH1Area, FGetH1Area, true},
-    {"H11", FGetH11Area, FGetH11Area, true},
-    {"H2", FGetH2Area, FGetH2Area, true},
-    {"H3", FGetH3Area, FGetH3Area, true},
-    {"H4", FGetH4Area, FGetH4Area, true},
-    {"H5", FGetH5Area, FGetH5Area, true},
-    {"H9", FGetH9Area, FGetH9Area, true},
-    {"E", FGetEArea, FGetEArea, false},
-    {"E1", FGetE1Area, FGetE1Area, false},
-    {"E2", FGetE2Area, FGetE2Area, false},
-    {"E3", FGetE3Area, FGetE3Area, false},
+    {"H", FGetHArea, true},
+    {"H1", FGetH1Area, true},
+    {"H11", FGetH11Area, true},
+    {"H2", FGetH2Area, true},
+    {"H3", FGetH3Area, true},
+    {"H4", FGetH4Area, true},
+    {"H5", FGetH5Area, true},
+    {"H9", FGetH9Area, true},
+    {"E", FGetEArea, false},
+    {"E1", FGetE1Area, false},
+    {"E2", FGetE2Area, false},
+    {"E3", FGetE3Area, false},
 }};
 
 namespace {
@@ -158,8 +158,8 @@ Balance measure(AcDbDatabase& database, AcDbObjectId boundary, bool status,
     AcDbObjectIdArray boundaries;
     if (boundary.isNull()) {
         counted = all;
-        for (std::size_t i = 0; i < kTotals.size(); ++i)
-            kTotals[i].list(counted, b.totals[i]);
+        // The twelve list forms in one reading of the records.
+        FGetBalanceAreas(counted, b.totals);
     } else {
         kova::ent::GetArea(boundary, b.boundaryHectares);
         b.boundaryHectares /= 10000;

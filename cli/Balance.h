@@ -16,13 +16,12 @@
 
 namespace kplan::cli {
 
-// The twelve totals of the balance table, in its order.
-using ListTotal = int (*)(const AcDbObjectIdArray&, double&);
+// The twelve totals of the balance table, in its order, which is FGetBalanceAreas's too
+// (the totals without a boundary).
 using BoundaryTotal = int (*)(AcDbObjectId, const AcDbObjectIdArray&, const AcDbObjectIdArray&,
                               double&);
 struct TotalRow {
     const char* code;
-    ListTotal list;
     BoundaryTotal withBoundary;
     bool construction;  // a part of H, so its share of H is shown
 };

@@ -2,6 +2,7 @@
 // indicators (the default), or units, blocks, buildings, hatches or red lines with their
 // fields.
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -61,15 +62,33 @@ struct Cell {
     std::string value, shown;  // for machines, for people
 };
 
+struct Listing;
+// Writes one row as soon as it is made, the columns being known by then.
+using RowStream = std::function<void(const Listing& listing, const std::vector<Cell>& row)>;
+
 // What a kind lists, printed the same way for every kind.
 struct Listing {
     std::vector<Column> columns;
+    // Kept only when nothing streams them: the table needs them all for its widths; CSV and
+    // JSON are written row by row, so that a large drawing's list costs no more memory than
+    // one row.
     std::vector<std::vector<Cell>> rows;
+    std::size_t count = 0;
+    RowStream stream;
     const char* one = "record";
     const char* many = "records";
     // The table leaves out field columns that no row fills.
     std::size_t fixedColumns = 0;
     bool dropEmptyFields = false;
+
+    void add(std::vector<Cell> row) {
+        if (stream) {
+            stream(*this, row);
+        } else {
+            rows.push_back(std::move(row));
+        }
+        ++count;
+    }
 };
 
 std::string text(const CString& value) {
@@ -116,34 +135,67 @@ void printTable(std::ostream& out, const Listing& listing) {
             table.back().push_back(row[c].shown);
     }
     out << alignedTable(table, right);
-    out << listing.rows.size() << " " << (listing.rows.size() == 1 ? listing.one : listing.many)
-        << "\n";
+    out << listing.count << " " << (listing.count == 1 ? listing.one : listing.many) << "\n";
 }
 
-void printCsv(std::ostream& out, const Listing& listing) {
-    std::vector<std::string> header;
-    for (const Column& column : listing.columns)
-        header.push_back(column.key);
-    out << csvRow(header);
-    for (const auto& row : listing.rows) {
-        std::vector<std::string> values;
-        for (const Cell& cell : row)
-            values.push_back(cell.value);
-        out << csvRow(values);
+nlohmann::json rowJson(const Listing& listing, const std::vector<Cell>& row) {
+    nlohmann::json object = nlohmann::json::object();
+    for (std::size_t c = 0; c < listing.columns.size(); ++c) {
+        const Column& column = listing.columns[c];
+        object[column.key] = jsonValue(row[c].value, column.number);
     }
+    return object;
 }
 
 nlohmann::json rowsJson(const Listing& listing) {
     nlohmann::json rows = nlohmann::json::array();
-    for (const auto& row : listing.rows) {
-        nlohmann::json object = nlohmann::json::object();
-        for (std::size_t c = 0; c < listing.columns.size(); ++c) {
-            const Column& column = listing.columns[c];
-            object[column.key] = jsonValue(row[c].value, column.number);
-        }
-        rows.push_back(std::move(object));
-    }
+    for (const auto& row : listing.rows)
+        rows.push_back(rowJson(listing, row));
     return rows;
+}
+
+// CSV as the rows come: the header before the first (or alone, when there is none).
+void csvHeader(std::ostream& out, const Listing& listing) {
+    std::vector<std::string> header;
+    for (const Column& column : listing.columns)
+        header.push_back(column.key);
+    out << csvRow(header);
+}
+
+RowStream csvStream(std::ostream& out) {
+    return [&out](const Listing& listing, const std::vector<Cell>& row) {
+        if (listing.count == 0) csvHeader(out, listing);
+        std::vector<std::string> values;
+        for (const Cell& cell : row)
+            values.push_back(cell.value);
+        out << csvRow(values);
+    };
+}
+
+void endCsv(std::ostream& out, const Listing& listing) {
+    if (listing.count == 0) csvHeader(out, listing);
+}
+
+// The JSON array of report::dumpJson, written object by object.
+RowStream jsonStream(std::ostream& out) {
+    return [&out](const Listing& listing, const std::vector<Cell>& row) {
+        out << (listing.count == 0 ? "[\n" : ",\n");
+        std::string object = report::dumpJson(rowJson(listing, row));
+        object.pop_back();
+        std::size_t start = 0;
+        while (start < object.size()) {
+            std::size_t end = object.find('\n', start);
+            if (end == std::string::npos) end = object.size();
+            out << "  ";
+            out.write(object.data() + start, static_cast<std::streamsize>(end - start));
+            if (end < object.size()) out << "\n";
+            start = end + 1;
+        }
+    };
+}
+
+void endJson(std::ostream& out, const Listing& listing) {
+    out << (listing.count == 0 ? "[]\n" : "\n]\n");
 }
 
 // ------------------------------------------------------------------ parcels
@@ -157,7 +209,8 @@ struct ParcelKind {
 const wchar_t* const kParcelFields[] = {dk::FS_DKBH, dk::FS_DKXZ, dk::FD_RJL, dk::FD_LDL,
                                         dk::FD_JZMD, dk::FD_JZXG, dk::FN_ZRKS};
 
-std::vector<Cell> parcelRow(AcDbObjectId id, const ParcelKind& kind, const ClassNames& names) {
+std::vector<Cell> parcelRow(AcDbDatabase& database, AcDbObjectId id, const ParcelKind& kind,
+                            const ClassNames& names) {
     CDKBJXDInfo parcel(id);
     CStringArray keys, values, apps;
     for (const wchar_t* key : kParcelFields)
@@ -171,9 +224,13 @@ std::vector<Cell> parcelRow(AcDbObjectId id, const ParcelKind& kind, const Class
     }
     double area = 0;
     parcel.GetArea(area);
-    // Where a sibling module would place the parcel's label; empty when none is found.
+    // Where a sibling module would place the parcel's label; empty when none is found. The
+    // temporary copies it is measured on are erased again: freed at once, a large drawing's
+    // list stays within the drawing's own memory.
     AcGePoint3d label;
+    std::size_t scratch = database.size();
     bool labelled = FGetCenterPt(id, label) != 0;
+    database.dropErasedSince(scratch);
     return {plain(handleText(id)),
             plain(std::to_string(CheckDKDataVer(id))),
             plain(kind.name),
@@ -224,8 +281,7 @@ std::vector<ParcelKind> selectParcels(const ListArgs& args, AcDbDatabase& databa
     return kinds;
 }
 
-Listing listParcels(const ListArgs& args, AcDbDatabase& database) {
-    Listing listing;
+void listParcels(const ListArgs& args, AcDbDatabase& database, Listing& listing) {
     listing.one = "parcel";
     listing.many = "parcels";
     const char* keys[] = {"handle",       "generation", "kind",    "number",      "class",
@@ -242,9 +298,8 @@ Listing listParcels(const ListArgs& args, AcDbDatabase& database) {
     ClassNames names;
     for (const ParcelKind& kind : selectParcels(args, database)) {
         for (AcDbObjectId id : kind.ids)
-            listing.rows.push_back(parcelRow(id, kind, names));
+            listing.add(parcelRow(database, id, kind, names));
     }
-    return listing;
 }
 
 // ------------------------------------------------------------------ units, blocks, buildings
@@ -283,9 +338,8 @@ void addFieldCells(const CBoundaryRecord& record, const CStringArray& keys,
 
 // Units and blocks: area, the planned parcels they hold, their fields.
 template <typename Record>
-Listing listAreas(const wchar_t* app, dk::LabelTable fields, const AcDbObjectIdArray& ids,
-                  const char* one, const char* many) {
-    Listing listing;
+void listAreas(const wchar_t* app, dk::LabelTable fields, const AcDbObjectIdArray& ids,
+               const char* one, const char* many, Listing& listing) {
     listing.one = one;
     listing.many = many;
     listing.columns = {{"handle", "handle"},
@@ -310,25 +364,23 @@ Listing listAreas(const wchar_t* app, dk::LabelTable fields, const AcDbObjectIdA
         std::vector<Cell> row = {plain(handleText(id)), hectares(area),
                                  plain(std::to_string(parcels.length())), plain(numbers)};
         addFieldCells(record, keys, row);
-        listing.rows.push_back(std::move(row));
+        listing.add(std::move(row));
     }
-    return listing;
 }
 
-Listing listUnits() {
+void listUnits(Listing& listing) {
     AcDbObjectIdArray ids;
     CDYBJInfo::GetDYbj(ids);
-    return listAreas<CDYBJInfo>(dk::FAPP_GHDY, dk::UNIT_FIELDS, ids, "unit", "units");
+    listAreas<CDYBJInfo>(dk::FAPP_GHDY, dk::UNIT_FIELDS, ids, "unit", "units", listing);
 }
 
-Listing listBlocks() {
+void listBlocks(Listing& listing) {
     AcDbObjectIdArray ids;
     CJFBJInfo::GetJFbj(ids);
-    return listAreas<CJFBJInfo>(dk::FAPP_GHJF, dk::BLOCK_FIELDS, ids, "block", "blocks");
+    listAreas<CJFBJInfo>(dk::FAPP_GHJF, dk::BLOCK_FIELDS, ids, "block", "blocks", listing);
 }
 
-Listing listBuildings() {
-    Listing listing;
+void listBuildings(Listing& listing) {
     listing.one = "building";
     listing.many = "buildings";
     listing.columns = {{"handle", "handle"}, {"area_ha", "area_ha", true, true}};
@@ -342,9 +394,8 @@ Listing listBuildings() {
         building.GetArea(area);
         std::vector<Cell> row = {plain(handleText(id)), hectares(area)};
         addFieldCells(building, keys, row);
-        listing.rows.push_back(std::move(row));
+        listing.add(std::move(row));
     }
-    return listing;
 }
 
 // ------------------------------------------------------------------ hatches, red lines
@@ -359,8 +410,7 @@ std::string titleOr(const CString& alias, const wchar_t* fallback) {
 }
 
 // Hatches with the parcel number and class of their list, and the parcel they fill.
-Listing listHatches() {
-    Listing listing;
+void listHatches(Listing& listing) {
     listing.one = "hatch";
     listing.many = "hatches";
     listing.columns = {{"handle", "handle"},
@@ -376,16 +426,13 @@ Listing listHatches() {
         hatch.GetData(dk::LBL_DKBH, number);
         hatch.GetData(dk::LBL_DKLB, cls);
         AcDbObjectId parcel;
-        listing.rows.push_back({plain(handleText(id)), plain(text(number)), plain(text(cls)),
-                                plain(patternOf(id)),
-                                plain(hatch.GetDkbj(parcel) ? handleText(parcel) : "")});
+        listing.add({plain(handleText(id)), plain(text(number)), plain(text(cls)),
+                     plain(patternOf(id)), plain(hatch.GetDkbj(parcel) ? handleText(parcel) : "")});
     }
-    return listing;
 }
 
 // Red lines of both spaces with their kind ("规划类型") and whatever else their lists hold.
-Listing listRedLines(AcDbDatabase& database) {
-    Listing listing;
+void listRedLines(AcDbDatabase& database, Listing& listing) {
     listing.one = "red line";
     listing.many = "red lines";
     AcDbObjectIdArray ids;
@@ -411,20 +458,30 @@ Listing listRedLines(AcDbDatabase& database) {
             CGHHXInfo(ids[i]).GetData(CString::FromUtf8(label), value);
             row.push_back(plain(text(value)));
         }
-        listing.rows.push_back(std::move(row));
+        listing.add(std::move(row));
     }
-    return listing;
 }
 
 // ------------------------------------------------------------------ the command
 
-Listing listKind(const ListArgs& args, AcDbDatabase& database) {
-    if (args.kind == "unit") return listUnits();
-    if (args.kind == "block") return listBlocks();
-    if (args.kind == "building") return listBuildings();
-    if (args.kind == "hatch") return listHatches();
-    if (args.kind == "redline") return listRedLines(database);
-    return listParcels(args, database);
+// The rows of the kind, kept in the listing, or each given to stream when there is one.
+Listing listKind(const ListArgs& args, AcDbDatabase& database, RowStream stream = {}) {
+    Listing listing;
+    listing.stream = std::move(stream);
+    if (args.kind == "unit") {
+        listUnits(listing);
+    } else if (args.kind == "block") {
+        listBlocks(listing);
+    } else if (args.kind == "building") {
+        listBuildings(listing);
+    } else if (args.kind == "hatch") {
+        listHatches(listing);
+    } else if (args.kind == "redline") {
+        listRedLines(database, listing);
+    } else {
+        listParcels(args, database, listing);
+    }
+    return listing;
 }
 
 // Several drawings, or a folder: each drawing's rows as it alone gives them, then how many
@@ -450,7 +507,7 @@ int runListBatch(const ListArgs& args) {
             } else {
                 run.json = {{"rows", rowsJson(listing)}};
             }
-            run.kept = std::pair<std::size_t, const char*>(listing.rows.size(), listing.many);
+            run.kept = std::pair<std::size_t, const char*>(listing.count, listing.many);
             return true;
         },
         [&rows, &many](DrawingRun& run) {
@@ -479,13 +536,12 @@ int runList(const ListArgs& args) {
     if (int failed = openForReport(args.drawings.empty() ? "" : args.drawings[0], args.format,
                                    args.standard, format, drawing, path))
         return failed;
-    Listing listing = listKind(args, *drawing.database());
     if (format == Format::Table) {
-        printTable(std::cout, listing);
+        printTable(std::cout, listKind(args, *drawing.database()));
     } else if (format == Format::Csv) {
-        printCsv(std::cout, listing);
+        endCsv(std::cout, listKind(args, *drawing.database(), csvStream(std::cout)));
     } else {
-        std::cout << report::dumpJson(rowsJson(listing));
+        endJson(std::cout, listKind(args, *drawing.database(), jsonStream(std::cout)));
     }
     std::cout.flush();
     return std::cout ? 0 : 1;

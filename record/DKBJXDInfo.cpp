@@ -1,6 +1,7 @@
 #include "record/DKBJXDInfo.h"
 
 #include <cwchar>
+#include <string>
 
 #include "host/arx/acutads.h"
 #include "host/kova/ArxDataXData.h"
@@ -26,8 +27,20 @@ bool same(const wchar_t* a, const wchar_t* b) {
     return a != nullptr && b != nullptr && std::wcscmp(a, b) == 0;
 }
 
+// Whether some label begins with c: most reads name a key, which begins with none.
+bool beginsALabel(wchar_t c) {
+    static const std::wstring firsts = [] {
+        std::wstring all = {dk::LBL_MJ[0]};
+        for (const dk::LabelKey& entry : dk::LABEL_KEYS)
+            all += entry.label[0];
+        return all;
+    }();
+    return firsts.find(c) != std::wstring::npos;
+}
+
 // A label of the current record to its key; anything else is a key already.
 const wchar_t* keyOf(const wchar_t* keyOrLabel, bool writing) {
+    if (keyOrLabel == nullptr || !beginsALabel(keyOrLabel[0])) return keyOrLabel;
     for (const dk::LabelKey& entry : dk::LABEL_KEYS) {
         if (same(keyOrLabel, entry.label)) return entry.key;
     }

@@ -24,6 +24,29 @@ struct Session {
     // Read without the lock: every record read asks whether a session is open.
     std::atomic<int> depth{0};
     std::unordered_map<AcDbObjectId, std::vector<Entry>> entries;
+    // The entries of the entity read last: a reader asks several things of one entity in a
+    // row (its generation, then a field, then its area), so most reads skip the map.
+    AcDbObjectId lastId;
+    std::vector<Entry>* last = nullptr;
+
+    std::vector<Entry>* of(AcDbObjectId id, bool make) {
+        if (last != nullptr && lastId == id) return last;
+        std::vector<Entry>* found = nullptr;
+        if (make) {
+            found = &entries[id];
+        } else {
+            auto it = entries.find(id);
+            if (it == entries.end()) return nullptr;
+            found = &it->second;
+        }
+        lastId = id;
+        last = found;
+        return found;
+    }
+    void clear() {
+        entries.clear();
+        last = nullptr;
+    }
 };
 
 // A session is the thread's own: the threads of a batch each read a drawing of their own,
@@ -39,9 +62,9 @@ template <typename Use>
 bool lookUp(AcDbObjectId id, wchar_t kind, const wchar_t* name, Use use) {
     Session& s = session();
     std::lock_guard<std::mutex> lock(s.mutex);
-    auto it = s.entries.find(id);
-    if (it == s.entries.end()) return false;
-    for (const Entry& e : it->second) {
+    const std::vector<Entry>* entries = s.of(id, false);
+    if (entries == nullptr) return false;
+    for (const Entry& e : *entries) {
         if (e.kind == kind && e.name == name) {
             use(e);
             return true;
@@ -54,7 +77,7 @@ void keep(AcDbObjectId id, Entry entry) {
     Session& s = session();
     std::lock_guard<std::mutex> lock(s.mutex);
     if (s.depth == 0) return;
-    s.entries[id].push_back(std::move(entry));
+    s.of(id, true)->push_back(std::move(entry));
 }
 
 // Tells "the read left the text alone" from "the read set it": no record holds this.
@@ -71,7 +94,7 @@ RecordSession::RecordSession() {
 RecordSession::~RecordSession() {
     Session& s = session();
     std::lock_guard<std::mutex> lock(s.mutex);
-    if (--s.depth == 0) s.entries.clear();
+    if (--s.depth == 0) s.clear();
 }
 
 bool RecordSession::IsOpen() {
@@ -123,7 +146,7 @@ int KeptNumber(AcDbObjectId id, const wchar_t* what, double& value,
 void ForgetRecords() {
     Session& s = session();
     std::lock_guard<std::mutex> lock(s.mutex);
-    s.entries.clear();
+    s.clear();
 }
 
 }  // namespace dk

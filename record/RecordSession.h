@@ -41,13 +41,14 @@ KPLAN_API int KeptNumber(AcDbObjectId id, const wchar_t* what, double& value,
 template <typename Read>
 int RememberedText(AcDbObjectId id, wchar_t kind, const wchar_t* name, CString& value, Read read) {
     if (!RecordSession::IsOpen()) return read(value);
-    return KeptText(id, kind, name, value, read);
+    // By reference: a std::function holds that without allocating.
+    return KeptText(id, kind, name, value, std::ref(read));
 }
 // A number (a result, an area) under a name; read always sets it.
 template <typename Read>
 int RememberedNumber(AcDbObjectId id, const wchar_t* what, double& value, Read read) {
     if (!RecordSession::IsOpen()) return read(value);
-    return KeptNumber(id, what, value, read);
+    return KeptNumber(id, what, value, std::ref(read));
 }
 // Drops everything the session holds: a write may change what other records read (an
 // island's entered area is its parcel's too).

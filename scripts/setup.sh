@@ -8,7 +8,7 @@ packages=(
     g++ cmake ninja-build pkg-config
     libcli11-dev libpolyclipping-dev libgeos-dev
     libgdal-dev libsqlite3-dev
-    nlohmann-json3-dev libxlsxwriter-dev
+    nlohmann-json3-dev libxlsxwriter-dev libfast-float-dev
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
 )
 if [ "${1:-}" != --run ]; then

@@ -333,6 +333,39 @@ int FGetE3Area(const AcDbObjectIdArray& ids, double& area) {
     return stats::Guarded(L"FGetE3Area", 1, [&] { return listTotal(ids, area, firstTwo(L"E3")); });
 }
 
+int FGetBalanceAreas(const AcDbObjectIdArray& ids, std::array<double, 12>& areas) {
+    return stats::Guarded(L"FGetBalanceAreas", 1, [&] {
+        const Test tests[12] = {construction,
+                                h1,
+                                h11,
+                                firstTwo(L"H2"),
+                                firstTwo(L"H3"),
+                                firstTwo(L"H4"),
+                                firstTwo(L"H5"),
+                                firstTwo(L"H9"),
+                                e,
+                                firstTwo(L"E1"),
+                                firstTwo(L"E2"),
+                                firstTwo(L"E3")};
+        areas.fill(0);
+        // Each total adds the same areas in the same order as its own function does.
+        for (AcDbObjectId id : ids) {
+            CString code;
+            CDKBJXDInfo(id).GetData(dk::FS_DKXZ, code);
+            CString cls = trimmed(code);
+            bool known = false;
+            double area = 0;
+            for (std::size_t i = 0; i < areas.size(); ++i) {
+                if (!tests[i](cls)) continue;
+                if (!known) area = areaOf(id);
+                known = true;
+                areas[i] += area;
+            }
+        }
+        return 1;
+    });
+}
+
 int FGetHArea(AcDbObjectId boundary, const AcDbObjectIdArray& ids, const AcDbObjectIdArray& cutIds,
               double& area) {
     return stats::Guarded(L"FGetHArea", 1,

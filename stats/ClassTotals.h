@@ -6,6 +6,8 @@
 //
 // Unless a total says it resets its output, it adds to the caller's value, so that a
 // caller wanting a fresh total sets it to 0 first.
+#include <array>
+
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
@@ -58,6 +60,10 @@ KPLAN_API int FGetEArea(const AcDbObjectIdArray& ids, double& area);
 KPLAN_API int FGetE1Area(const AcDbObjectIdArray& ids, double& area);
 KPLAN_API int FGetE2Area(const AcDbObjectIdArray& ids, double& area);
 KPLAN_API int FGetE3Area(const AcDbObjectIdArray& ids, double& area);
+// The twelve above at once, in that order ("H", "H1", "H11", "H2" to "H5", "H9", "E", "E1"
+// to "E3"), each equal to what its own function gives: each record is read once however
+// many totals count it, where the twelve read the whole list twelve times. Returns 1.
+KPLAN_API int FGetBalanceAreas(const AcDbObjectIdArray& ids, std::array<double, 12>& areas);
 
 // The same totals within a boundary; cutIds lists the parcels that cross it, which count
 // with their part inside. "H2" to "E3" measure their class within the boundary.

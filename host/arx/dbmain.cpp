@@ -226,8 +226,14 @@ Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& ent, AcDbObjectId id, AcDb::Op
 
 // ---------------------------------------------------------------- AcDbObject
 
+// A copy keeps xdata that is still packed so: copies made only to be measured (a label point's
+// temporary copy) would otherwise decode every record they copy.
 AcDbObject::AcDbObject(const AcDbObject& other)
-    : AcRxObject(other), xdata_(other.unpackedXdata()) {}
+    : AcRxObject(other),
+      xdata_(other.xdata_),
+      packedXdata_(other.packedXdata_),
+      unpack_(other.unpack_),
+      packedSerial_(other.packedSerial_) {}
 
 const db::ValueList& AcDbObject::unpackedXdata() const {
     if (!packedXdata_.empty()) {

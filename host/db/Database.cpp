@@ -61,6 +61,18 @@ Database::~Database() {
         it->object.reset();
 }
 
+std::size_t Database::dropErasedSince(std::size_t first) {
+    std::size_t freed = 0;
+    // Newest first, as the destructor frees them.
+    for (std::size_t i = stubs_.size(); i > first; --i) {
+        Stub& stub = stubs_[i - 1];
+        if (!stub.erased || stub.isOpen() || !stub.object) continue;
+        stub.object.reset();
+        ++freed;
+    }
+    return freed;
+}
+
 Stub* Database::add(std::unique_ptr<ObjectBase>& object, std::uint64_t handle) {
     if (handle == 0) {
         while (byHandle_.count(nextHandle_))

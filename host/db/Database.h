@@ -53,6 +53,12 @@ class KPLAN_API Database {
     void reserve(std::size_t objects) { byHandle_.reserve(objects); }
 
     std::size_t size() const { return stubs_.size(); }
+    // Frees the objects of the stubs added from index first on (an earlier size()) that are
+    // erased and not open: scratch a reader made and erased again, such as the temporary
+    // copies a label point is measured on, which a long run would otherwise keep by the
+    // million. Their ids stay valid and erased; opening them fails as for a handle never
+    // loaded, so they cannot be unerased. The number of objects freed.
+    std::size_t dropErasedSince(std::size_t first);
     // A number unique to this database in this process, never reused.
     std::int64_t serial() const { return serial_; }
     static Database* fromSerial(std::int64_t serial);

@@ -2,6 +2,8 @@
 #include <cmath>
 #include <cstring>
 
+#include <fast_float/fast_float.h>
+
 #include "host/arx/peek.h"
 #include "host/db/GroupCode.h"
 #include "host/db/TextCodec.h"
@@ -21,52 +23,33 @@ std::string_view trimmed(std::string_view s) {
     return s;
 }
 
-}  // namespace
-
-namespace {
-
-constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
-// Most reals of a drawing are plain decimals ("512345.678"). With at most 15 digits the
-// digits and the power of ten are both exact doubles, so one division gives the
-// correctly rounded value (Clinger's fast path); anything else takes from_chars.
-bool parsePlainDecimal(std::string_view text, double& value) {
-    std::size_t i = 0, n = text.size();
-    bool negative = n > 0 && text[0] == '-';
-    if (negative) ++i;
-    std::uint64_t mantissa = 0;
-    int digits = 0, fraction = -1;
-    for (; i < n; ++i) {
-        char c = text[i];
-        if (c >= '0' && c <= '9') {
-            mantissa = mantissa * 10 + static_cast<unsigned>(c - '0');
-            if (++digits > 15) return false;
-            if (fraction >= 0) ++fraction;
-        } else if (c == '.' && fraction < 0) {
-            fraction = 0;
-        } else {
-            return false;
-        }
+// fast_float gives an underflow 0 where from_chars refuses it as out of range: a number
+// whose digits are not all zero cannot be 0.
+bool underflowed(std::string_view text) {
+    for (char c : text) {
+        if (c == 'e' || c == 'E') break;
+        if (c >= '1' && c <= '9') return true;
     }
-    if (digits == 0) return false;
-    double v = static_cast<double>(mantissa);
-    if (fraction > 0) v /= kPowersOfTen[fraction];
-    value = negative ? -v : v;
-    return true;
+    return false;
 }
 
 }  // namespace
 
+// Reads as std::from_chars reads, to the bit, and leaves value as it leaves it when the
+// text is no number (a partial read, "nan"); fast_float reads a drawing's numbers faster.
 bool parseReal(std::string_view text, double& value) {
     text = trimmed(text);
-    if (parsePlainDecimal(text, value)) return true;
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    // from_chars takes "nan" and "inf", which no drawing means.
-    return !text.empty() && ec == std::errc() && end == text.data() + text.size() &&
-           std::isfinite(value);
+    double read = 0;
+    auto [end, ec] = fast_float::from_chars(text.data(), text.data() + text.size(), read);
+    // nan and inf are no number a drawing means.
+    if (!text.empty() && ec == std::errc() && end == text.data() + text.size() &&
+        std::isfinite(read) && !(read == 0 && underflowed(text))) {
+        value = read;
+        return true;
+    }
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return false;
 }
 
 bool parseInt(std::string_view text, std::int64_t& value) {

@@ -3,6 +3,7 @@
 // areas, a boundary crossing parcels and codes each total treats apart; and so they do
 // with the records still in the loader's compact form, where a field is read on the packed
 // bytes.
+#include <array>
 #include <vector>
 
 #include "host/arx/dbapserv.h"
@@ -57,6 +58,11 @@ class RecordSessionTotalsTest : public StatsTest {
             total(all, area);
             a.listTotals.push_back(area);
         }
+        std::array<double, 12> atOnce;
+        atOnce.fill(-1);
+        EXPECT_EQ(FGetBalanceAreas(all, atOnce), 1);
+        EXPECT_EQ(std::vector<double>(atOnce.begin(), atOnce.end()), a.listTotals)
+            << "the twelve at once are the twelve one by one, to the bit";
         for (BoundaryTotal total : kBoundaryTotals) {
             double area = -1;
             total(boundary, counted, crossing, area);

@@ -169,6 +169,43 @@ TEST_F(DatabaseTest, BlockIteratorSkipsErasedEntities) {
     EXPECT_EQ(seen, (std::vector<AcDbObjectId>{a, c}));
 }
 
+TEST_F(DatabaseTest, DroppingErasedScratchFreesOnlyWhatWasErasedSinceTheMark) {
+    auto erase = [](AcDbObjectId id) {
+        AcDbEntity* ent = nullptr;
+        ASSERT_EQ(acdbOpenObject(ent, id, AcDb::kForWrite), Acad::eOk);
+        ent->erase();
+        ent->close();
+    };
+    AcDbObjectId before = addCircle(0, 0, 1);
+    erase(before);
+    std::size_t mark = database()->size();
+    AcDbObjectId scratch = addRectangle(0, 0, 1, 1);
+    AcDbObjectId kept = addCircle(5, 5, 1);
+    AcDbObjectId open = addCircle(9, 9, 1);
+    erase(scratch);
+    erase(open);
+    AcDbEntity* reader = nullptr;
+    ASSERT_EQ(acdbOpenObject(reader, open, AcDb::kForRead, true), Acad::eOk);
+
+    EXPECT_EQ(database()->dropErasedSince(mark), 1u);
+    reader->close();
+
+    AcDbEntity* ent = nullptr;
+    EXPECT_EQ(acdbOpenObject(ent, scratch, AcDb::kForRead, true), Acad::eUnknownHandle);
+    EXPECT_TRUE(scratch.isErased());
+    AcDbObjectId found;
+    ASSERT_EQ(database()->getAcDbObjectId(found, false, scratch.handle()), Acad::eOk);
+    EXPECT_EQ(found, scratch) << "the handle still names it";
+    for (AcDbObjectId id : {before, open}) {
+        ASSERT_EQ(acdbOpenObject(ent, id, AcDb::kForRead, true), Acad::eOk) << "erased, kept";
+        ent->close();
+    }
+    ASSERT_EQ(acdbOpenObject(ent, kept, AcDb::kForRead), Acad::eOk);
+    ent->close();
+    EXPECT_EQ(database()->dropErasedSince(mark), 1u) << "the one that was open";
+    EXPECT_EQ(database()->dropErasedSince(database()->size()), 0u);
+}
+
 TEST_F(DatabaseTest, ContinuousLinetypeIsTheRecordOfThatName) {
     AcDbLinetypeTable* linetypes = nullptr;
     ASSERT_EQ(database()->getLinetypeTable(linetypes, AcDb::kForRead), Acad::eOk);

@@ -2,7 +2,10 @@
 // the same double, and the text of files in code pages with their escapes.
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -153,6 +156,58 @@ TEST(TagReaderTest, RealsParseToTheCorrectlyRoundedDouble) {
     double value = 0;
     for (const char* bad : {"", "-", ".", "1.2.3", "12a", "--1"}) {
         EXPECT_FALSE(dxf::parseReal(bad, value)) << bad;
+    }
+}
+
+// The reader's numbers are std::from_chars's to the bit, what it refuses included (out of
+// range either way, nan, inf, a partial read), and, where it reads, strtod's too.
+TEST(TagReaderTest, RealsReadAsFromCharsAndStrtodReadThem) {
+    std::vector<std::string> texts = {
+        // 17 significant digits and exponents
+        "512345.67890123456", "3512345.6789012346", "-0.10000000000000001", "1e5", "1E-5", "1.5e+3",
+        "-2.5E-7", "123456789012345678901234567890", "1e22", "1e23", "0.000001e6",
+        // subnormals, the smallest and largest normal, and what lies beyond
+        "4.9e-324", "5e-324", "2.4703282292062328e-324", "2.4703282292062327e-324",
+        "2.2250738585072009e-308", "2.2250738585072014e-308", "1.7976931348623157e308",
+        "1.7976931348623158e308", "1.7976931348623159e308", "1e309", "-1e309", "1e-400", "-1e-400",
+        "0.0000000000000000000000000000001e-300",
+        // zeros
+        "0", "-0", "-0.0", "0e999", "0.000e-999", "-0e-5",
+        // half-way between two doubles: ties to even, and one digit above
+        "9007199254740993", "9007199254740995", "9007199254740993.0000000000000001",
+        "1.00000000000000011102230246251565404236316680908203125",
+        "1.00000000000000011102230246251565404236316680908203126", "0.1", "0.30000000000000004",
+        "1.7976931348623157e308",
+        // forms a drawing may hold, and texts that are no number
+        " 2.5 ", "+7.25", "+-1", ".5", "5.", "-.5", "1.", "nan", "-nan", "inf", "-inf", "infinity",
+        "1e", "1e+", "e5", "", ".", "-", "+", "1.2.3", "12a", "0x10", "1,5", "1e5x", "--1", "1 2",
+        "\t3.25"};
+    std::mt19937_64 random(16);
+    for (int i = 0; i < 20000; ++i) {
+        char text[40];
+        double x =
+            std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 80) - 60);
+        std::snprintf(text, sizeof text, i % 2 ? "%.17g" : "%.16e", random() % 2 ? -x : x);
+        texts.push_back(text);
+    }
+    for (const std::string& text : texts) {
+        std::string_view t = text;
+        while (!t.empty() && (t.front() == ' ' || t.front() == '\t'))
+            t.remove_prefix(1);
+        while (!t.empty() && (t.back() == ' ' || t.back() == '\t'))
+            t.remove_suffix(1);
+        if (!t.empty() && t.front() == '+') t.remove_prefix(1);
+        double expected = 42, value = 42;
+        auto [end, ec] = std::from_chars(t.data(), t.data() + t.size(), expected);
+        bool number = !t.empty() && ec == std::errc() && end == t.data() + t.size() &&
+                      std::isfinite(expected);
+        EXPECT_EQ(dxf::parseReal(text, value), number) << text;
+        EXPECT_EQ(std::memcmp(&value, &expected, sizeof value), 0)
+            << text << ": " << value << " against " << expected;
+        if (number) {
+            double strtodValue = std::strtod(std::string(t).c_str(), nullptr);
+            EXPECT_EQ(std::memcmp(&value, &strtodValue, sizeof value), 0) << text;
+        }
     }
 }
 

@@ -9,6 +9,7 @@
 #include "host/db/PackedXdata.h"
 #include "host/db/TextCodec.h"
 #include "host/kova/ArxDataXData.h"
+#include "host/kova/KovaEnt.h"
 #include "tests/support/KplanTest.h"
 
 using ARX_DATA::ArxDbgAppXdata;
@@ -501,6 +502,14 @@ TEST_F(XDataTest, PackedXdataReadsAsDecoded) {
         AcDbObject* obj = nullptr;
         ASSERT_EQ(acdbOpenObject(obj, id, AcDb::kForRead), Acad::eOk);
         EXPECT_NE(obj->packedXdata(), nullptr) << "reading fields decodes nothing for good";
+        obj->close();
+        AcDbObjectId copy = kova::ent::Copy(id);
+        EXPECT_EQ(readAll(copy), decoded) << "a copy reads as its original";
+        ASSERT_EQ(acdbOpenObject(obj, copy, AcDb::kForRead), Acad::eOk);
+        EXPECT_NE(obj->packedXdata(), nullptr) << "copying decodes nothing";
+        obj->close();
+        ASSERT_EQ(acdbOpenObject(obj, id, AcDb::kForRead), Acad::eOk);
+        EXPECT_NE(obj->packedXdata(), nullptr) << "the original stays packed";
         obj->close();
     }
 }

@@ -6,6 +6,7 @@
 #include "host/arx/dbmain.h"
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
+#include "record/ObjectIdHash.h"
 
 namespace dk {
 
@@ -27,7 +28,7 @@ class IdAppender {
 
   private:
     AcDbObjectIdArray& ids_;
-    std::unordered_set<AcDbObjectId> seen_;
+    std::unordered_set<AcDbObjectId, ObjectIdHash> seen_;
 };
 
 // Appends text when it is not in the list yet (exact match); false when it was.

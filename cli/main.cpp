@@ -105,6 +105,9 @@ int main(int argc, char** argv) {
     argv = pointers.data();
     db::useUtf8Console();
     CLI::App app{"kplan: planning data in CAD drawings", "kplan"};
+    // The same command line on every platform: "/x" is a path (CLI11 reads it as an option
+    // on Windows otherwise). Set before the commands are added, which take it over.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.set_version_flag("--version", std::string("kplan ") + KPLAN_VERSION);
     app.footer(

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "host/db/TextCodec.h"
+#include "host/db/Utf8Path.h"
 #include "standard/ClassTableLine.h"
 
 namespace kplan::cli {
@@ -67,7 +68,7 @@ bool startsWith(std::string_view bytes, std::string_view prefix) {
 }  // namespace
 
 bool checkClassTable(const std::string& path, std::string& error) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(db::utf8Path(path), std::ios::binary);
     if (!in) {
         error = path + ": cannot read the class table";
         return false;

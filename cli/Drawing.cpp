@@ -14,14 +14,17 @@
 #include "host/arx/dbcurve.h"
 #include "host/arx/dbsymtb.h"
 #include "host/arx/peek.h"
+#include "host/db/ExecutablePath.h"
 #include "host/db/InstalledData.h"
 #include "host/db/TextCodec.h"
+#include "host/db/Utf8Path.h"
 #include "host/dxf/Dxf.h"
 #include "host/kova/KovaDB.h"
 #include "host/kova/KovaDataSet.h"
 #include "host/mfc/CString.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/ObjectIdHash.h"
 #include "record/XDataAccess.h"
 #include "report/DrawingAreas.h"
 
@@ -115,7 +118,7 @@ std::unique_ptr<AcDbDatabase> loadDrawing(const std::string& path, bool recover,
     // A DWG file starts with its version ("AC1032"); a DXF file with a group code or the
     // binary DXF sentinel.
     char head[6] = {};
-    if (std::ifstream probe(path, std::ios::binary);
+    if (std::ifstream probe(db::utf8Path(path), std::ios::binary);
         probe.read(head, sizeof head) && std::string_view(head, 4) == "AC10" &&
         std::isdigit(static_cast<unsigned char>(head[4]))) {
         error = path + ": DWG is not read; save it as DXF";
@@ -152,7 +155,7 @@ void addDrawingInAndOut(CLI::App& command, std::string& drawing, std::string& ou
 }
 
 int checkDxfOutput(const std::string& path, bool force) {
-    std::string extension = fs::path(path).extension().string();
+    std::string extension = db::utf8Name(db::utf8Path(path).extension());
     for (char& c : extension)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     if (force || extension == ".dxf" || path == "-") return 0;
@@ -165,33 +168,34 @@ bool applyStandard(const StandardOptions& options, std::string& error) {
     // A standard given as a path (it holds a "/") is that folder, whatever --data says.
     std::string data = options.data, standardName = options.standard;
     if (standardName.find('/') != std::string::npos) {
-        fs::path folder = fs::path(standardName).lexically_normal();
+        fs::path folder = db::utf8Path(standardName).lexically_normal();
         if (!folder.has_filename()) folder = folder.parent_path();
         if (!exists(folder, true)) {
             error = "--standard " + options.standard + ": no such folder";
             return false;
         }
-        data = fs::absolute(folder).parent_path().string();
-        standardName = folder.filename().string();
+        data = db::utf8Name(fs::absolute(folder).parent_path());
+        standardName = db::utf8Name(folder.filename());
     }
     CKovaDataSet::FSetGStandardDirPath(wide(data));
     CKovaDataSet::FSetStandardName(wide(standardName));
     CKovaDataSet::FSetCurYDLB(wide(options.table));
-    fs::path root(CKovaDataSet::FGetGStandardDirPath().ToUtf8());
+    fs::path root = db::utf8Path(CKovaDataSet::FGetGStandardDirPath().ToUtf8());
     std::string standard = CKovaDataSet::FGetStandardName().ToUtf8();
     if (!exists(root, true)) {
-        error = "no standards directory " + root.string();
+        error = "no standards directory " + db::utf8Name(root);
         return false;
     }
-    if (!exists(root / standard, true)) {
-        error = "unknown standard \"" + standard + "\": no folder " + (root / standard).string();
+    if (!exists(root / db::utf8Path(standard), true)) {
+        error = "unknown standard \"" + standard + "\": no folder " +
+                db::utf8Name(root / db::utf8Path(standard));
         return false;
     }
     CString table;
     if (!CKovaDataSet::FGetGStandardOneFilePath(table, L"用地分类\\", CKovaDataSet::FGetCurYDLB(),
                                                 CKovaDataSet::FGetStandardName(), 1)) {
         error = "unknown class table \"" + CKovaDataSet::FGetCurYDLB().ToUtf8() + "\": not in " +
-                (root / standard / "用地分类").string();
+                db::utf8Name(root / db::utf8Path(standard) / db::utf8Path("用地分类"));
         return false;
     }
     if (!checkClassTable(table.ToUtf8(), error)) return false;
@@ -206,26 +210,25 @@ std::string samplePlanPath() {
     std::vector<fs::path> candidates;
     if (fs::path installed = db::installedDataFolder("samples"); !installed.empty())
         candidates.push_back(installed);
-    std::error_code ec;
-    fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-    if (!ec) candidates.push_back(exe.parent_path() / ".." / "share" / "kplan" / "samples");
+    if (fs::path exe = db::executablePath(); !exe.empty())
+        candidates.push_back(exe.parent_path() / ".." / "share" / "kplan" / "samples");
     // A program run from its build tree takes the sample of the sources it was built from.
-    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "samples");
+    candidates.push_back(db::utf8Path(KPLAN_SOURCE_DIR) / "data" / "samples");
     for (const fs::path& dir : candidates) {
         fs::path plan = (dir / "sample-plan.dxf").lexically_normal();
-        if (exists(plan, false)) return shownPath(plan.string());
+        if (exists(plan, false)) return shownPath(db::utf8Name(plan));
     }
     return {};
 }
 
 std::string shownPath(const std::string& path) {
     std::error_code ec;
-    fs::path whole = fs::absolute(fs::path(path), ec).lexically_normal();
+    fs::path whole = fs::absolute(db::utf8Path(path), ec).lexically_normal();
     if (ec) return path;
     fs::path here = fs::current_path(ec);
     fs::path relative = ec ? fs::path() : whole.lexically_relative(here);
     bool inside = !relative.empty() && *relative.begin() != "..";
-    return inside ? relative.string() : whole.string();
+    return db::utf8Name(inside ? relative : whole);
 }
 
 std::string classTableShown() {
@@ -279,7 +282,7 @@ AcDbDatabase* LoadedDrawing::database() const {
 }
 
 AcDbObjectIdArray olderGenerationParcels(AcDbDatabase& database, const AcDbObjectIdArray& found) {
-    std::unordered_set<AcDbObjectId> known(found.begin(), found.end());
+    std::unordered_set<AcDbObjectId, dk::ObjectIdHash> known(found.begin(), found.end());
     AcDbObjectIdArray older;
     auto* space = arx::peek<AcDbBlockTableRecord>(database.modelSpaceId());
     if (space == nullptr) return older;

@@ -11,6 +11,7 @@
 #include "cli/Messages.h"
 #include "host/arx/acdocman.h"
 #include "host/db/Progress.h"
+#include "host/db/Utf8Path.h"
 #include "report/JsonWriter.h"
 
 namespace kplan::cli {
@@ -20,7 +21,7 @@ namespace fs = std::filesystem;
 namespace {
 
 bool isDxf(const fs::path& path) {
-    std::string extension = path.extension().string();
+    std::string extension = db::utf8Name(path.extension());
     for (char& c : extension)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return extension == ".dxf";
@@ -45,7 +46,7 @@ DrawingRun workOn(const std::string& path, std::size_t index, const StandardOpti
     DrawingRun run;
     run.index = index;
     run.path = reportName(path);
-    run.name = reportName(path == "-" ? path : fs::path(path).filename().string());
+    run.name = reportName(path == "-" ? path : db::utf8Name(db::utf8Path(path).filename()));
     // The thread's own current document, and its own channel for the drawing's warnings.
     AcApThreadDocuments documents;
     std::ostringstream messages;
@@ -86,7 +87,8 @@ bool collectDrawings(const std::vector<std::string>& arguments, bool recursive,
                      std::vector<std::string>& drawings, std::string& error) {
     for (const std::string& argument : arguments) {
         std::error_code ec;
-        if (argument == "-" || !fs::is_directory(argument, ec)) {
+        const fs::path folder = db::utf8Path(argument);
+        if (argument == "-" || !fs::is_directory(folder, ec)) {
             drawings.push_back(argument);
             continue;
         }
@@ -94,14 +96,14 @@ bool collectDrawings(const std::vector<std::string>& arguments, bool recursive,
         auto take = [&found](const fs::directory_entry& entry) {
             std::error_code ignored;
             if (entry.is_regular_file(ignored) && isDxf(entry.path()))
-                found.push_back(entry.path().string());
+                found.push_back(db::utf8Name(entry.path()));
         };
         if (recursive) {
-            for (fs::recursive_directory_iterator it(argument, ec), end; !ec && it != end;
+            for (fs::recursive_directory_iterator it(folder, ec), end; !ec && it != end;
                  it.increment(ec))
                 take(*it);
         } else {
-            for (fs::directory_iterator it(argument, ec), end; !ec && it != end; it.increment(ec))
+            for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
                 take(*it);
         }
         if (ec) {
@@ -122,7 +124,8 @@ bool collectDrawings(const std::vector<std::string>& arguments, bool recursive,
 bool singleDrawing(const std::vector<std::string>& arguments) {
     if (arguments.empty()) return true;
     std::error_code ec;
-    return arguments.size() == 1 && (arguments[0] == "-" || !fs::is_directory(arguments[0], ec));
+    return arguments.size() == 1 &&
+           (arguments[0] == "-" || !fs::is_directory(db::utf8Path(arguments[0]), ec));
 }
 
 unsigned batchWorkers(std::size_t drawings) {
@@ -176,7 +179,7 @@ int parseBatchFormat(const std::string& text, const char* expected, BatchFormat&
         return 0;
     }
     std::cerr << "kplan: --format " << text
-              << (text == "csv" || text == "xlsx"
+              << (text == "csv" || (KPLAN_WITH_XLSX && text == "xlsx")
                       ? ": is written for one drawing; several are written as table, json or "
                         "jsonl\n"
                       : std::string(": expected ") + expected + "\n");
@@ -188,7 +191,7 @@ int prepareBatch(const std::vector<std::string>& arguments, bool recursive,
     for (const std::string& argument : arguments) {
         // "--param A=N B=Y plan.dxf": the second value is no drawing but a slip.
         std::error_code ec;
-        if (argument.find('=') != std::string::npos && !fs::exists(argument, ec)) {
+        if (argument.find('=') != std::string::npos && !fs::exists(db::utf8Path(argument), ec)) {
             std::cerr << "kplan: " << argument
                       << ": no such drawing; --param takes one value (repeat it for two)\n";
             return kExitUsage;

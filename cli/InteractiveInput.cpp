@@ -1,12 +1,12 @@
 #include "cli/InteractiveInput.h"
 
-#include <unistd.h>
-
+#include <cstdio>
 #include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "host/db/Console.h"
 #include "host/db/TextCodec.h"
 
 namespace kplan::cli {
@@ -49,7 +49,7 @@ db::Answer LineInput::next(const db::InputRequest& request) {
 InteractiveSession::InteractiveSession() {
     auto input = std::make_shared<LineInput>(std::cin);
     db::commandLine().setInput(input);
-    bool terminal = ::isatty(STDIN_FILENO) != 0;
+    bool terminal = db::isTerminal(stdin);
     db::commandLine().setEchoCallback([input, terminal](std::wstring_view text) {
         std::wstring typed = input->takeTyped();
         if (terminal && !typed.empty() && text == typed) return;

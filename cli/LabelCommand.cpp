@@ -16,6 +16,7 @@
 #include "host/dxf/Dxf.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/ObjectIdHash.h"
 
 namespace kplan::cli {
 
@@ -103,7 +104,7 @@ int runLabel(const LabelArgs& args) {
     CDKBJXDInfo::GetDkbj(parcels);
     parcels.append(olderGenerationParcels(database, parcels));
     CDKBJXDInfo::GetAllXZYD(current);
-    std::unordered_set<AcDbObjectId> listed(parcels.begin(), parcels.end());
+    std::unordered_set<AcDbObjectId, dk::ObjectIdHash> listed(parcels.begin(), parcels.end());
     for (AcDbObjectId id : current) {
         if (listed.insert(id).second) parcels.append(id);
     }

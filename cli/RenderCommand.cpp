@@ -12,6 +12,7 @@
 #include "cli/Drawing.h"
 #include "cli/Messages.h"
 #include "cli/OptionValues.h"
+#include "host/db/Utf8Path.h"
 #include "record/DKBJXDInfo.h"
 #include "render/PlanPicture.h"
 #include "render/PlanScene.h"
@@ -118,7 +119,7 @@ bool drawPlan(AcDbDatabase& database, const std::string& drawingPath, const std:
     sceneOptions.boundary = boundary;
     int unreadable = 0;
     render::PlanScene scene = render::collectScene(parcels, sceneOptions, &unreadable);
-    scene.title = std::filesystem::path(drawingPath).stem().string();
+    scene.title = db::utf8Name(db::utf8Path(drawingPath).stem());
     if (scene.empty()) {
         error = drawingPath + ": no parcels, red lines or scope line to draw";
         return false;

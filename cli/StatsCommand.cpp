@@ -13,7 +13,6 @@
 #include "cli/Balance.h"
 #include "cli/ClassNames.h"
 #include "cli/Commands.h"
-#include "cli/DrawPlan.h"
 #include "cli/Drawing.h"
 #include "cli/DrawingBatch.h"
 #include "cli/InteractiveInput.h"
@@ -40,16 +39,28 @@
 #include "report/JsonWriter.h"
 #include "report/PlanReport.h"
 #include "report/TerminalWriter.h"
-#include "report/XlsxWriter.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
 #include "stats/GpcAdaptor.h"
 #include "stats/InteractiveSelection.h"
+#if KPLAN_WITH_RENDER
+#include "cli/DrawPlan.h"
+#endif
+#if KPLAN_WITH_XLSX
+#include "report/XlsxWriter.h"
+#endif
 
 namespace kplan::cli {
 
 namespace {
+
+// The formats of --format; xlsx when the spreadsheet writer is built.
+#if KPLAN_WITH_XLSX
+constexpr const char* kFormats = "table, csv, json, jsonl or xlsx";
+#else
+constexpr const char* kFormats = "table, csv, json or jsonl";
+#endif
 
 struct StatsArgs {
     std::vector<std::string> drawings;  // none: the sample plan; several or a folder: a batch
@@ -275,17 +286,18 @@ int runStats(StatsArgs args) {
     LoadedDrawing drawing;
     std::string path, error;
     // A spreadsheet is written to a file; the other formats go to standard output.
-    bool xlsx = args.format == "xlsx";
+    bool xlsx = KPLAN_WITH_XLSX && args.format == "xlsx";
+#if KPLAN_WITH_RENDER
     render::PictureFormat mapFormat;
     if (!args.map.empty() && !render::pictureFormatOf(args.map, mapFormat, error)) {
         std::cerr << "kplan: --map " << error << "\n";
         return 2;
     }
+#endif
     if (args.format == "jsonl" || !singleDrawing(args.drawings)) return runStatsBatch(args);
     const std::string drawingArgument = args.drawings.empty() ? "" : args.drawings[0];
     if (!xlsx && !parseFormat(args.format, format)) {
-        std::cerr << "kplan: --format " << args.format
-                  << ": expected table, csv, json, jsonl or xlsx\n";
+        std::cerr << "kplan: --format " << args.format << ": expected " << kFormats << "\n";
         return 2;
     }
     if (xlsx && !args.by.empty()) {
@@ -356,6 +368,7 @@ int runStats(StatsArgs args) {
     const Balance& balance = measured.balance;
     report::Report& tables = measured.tables;
     const std::vector<Section>& sections = measured.sections;
+#if KPLAN_WITH_RENDER
     if (!args.map.empty()) {
         render::BalanceTable table = pictureTable(tables, args.lang == "en");
         if (!drawPlan(*drawing.database(), path, args.map, boundary, args.status, &table, {},
@@ -364,6 +377,7 @@ int runStats(StatsArgs args) {
             return 1;
         }
     }
+#endif
     if (!args.preview.empty()) {
         // The parcels the scope line holds or crosses; the crossing ones get their part
         // inside hatched, in a copy: the drawing read stays as it was.
@@ -382,6 +396,7 @@ int runStats(StatsArgs args) {
         }
     }
     noteUnreadParcels(*drawing.database(), tables);
+#if KPLAN_WITH_XLSX
     if (xlsx) {
         if (!report::writeXlsx(tables, args.output, args.lang == "en", error)) {
             std::cerr << "kplan: " << error << "\n";
@@ -389,6 +404,7 @@ int runStats(StatsArgs args) {
         }
         return 0;
     }
+#endif
     switch (format) {
         case Format::Table:
             printTable(std::cout, args, path, balance, tables);
@@ -409,8 +425,7 @@ int runStats(StatsArgs args) {
 // tables of all of them added up.
 int runStatsBatch(const StatsArgs& args) {
     BatchFormat format;
-    if (int refused = parseBatchFormat(args.format, "table, csv, json, jsonl or xlsx", format))
-        return refused;
+    if (int refused = parseBatchFormat(args.format, kFormats, format)) return refused;
     for (const auto& [given, option] :
          {std::pair{args.interactive, "--interactive"},
           std::pair{!args.preview.empty(), "--preview"}, std::pair{!args.map.empty(), "--map"},
@@ -491,6 +506,7 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_flag("--status", args->status,
                       "Count the current-status parcels instead of the planned ones");
+#if KPLAN_WITH_XLSX
     offerChoices(command->add_option("--format", args->format,
                                      "table, csv, json, jsonl (a line per drawing as it is "
                                      "done, then the total) or xlsx (with -o FILE)"),
@@ -498,10 +514,19 @@ void addStatsCommand(CLI::App& app, int& exitCode) {
         ->capture_default_str();
     command->add_option("-o,--output", args->output, "The spreadsheet file of --format xlsx")
         ->type_name(kFileValue);
+#else
+    offerChoices(command->add_option("--format", args->format,
+                                     "table, csv, json or jsonl (a line per drawing as it is "
+                                     "done, then the total)"),
+                 {"table", "csv", "json", "jsonl"})
+        ->capture_default_str();
+#endif
+#if KPLAN_WITH_RENDER
     command
         ->add_option("--map", args->map,
                      "Also draw the plan with the table beside it (.png, .svg or .pdf)")
         ->type_name(kFileValue);
+#endif
     command->add_option("--lang", args->lang, "Language of the table: zh or en")
         ->check(CLI::IsMember({"zh", "en"}))
         ->capture_default_str();

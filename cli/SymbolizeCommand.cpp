@@ -5,6 +5,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <numbers>
 #include <set>
 #include <string>
 #include <unordered_set>
@@ -23,6 +24,7 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/DKTCInfo.h"
+#include "record/ObjectIdHash.h"
 #include "standard/KovaAttribSet.h"
 
 namespace kplan::cli {
@@ -137,7 +139,7 @@ ClassStyle lookUpStyle(AcDbDatabase& database, const std::wstring& code, Ground 
         style.pattern = static_cast<const wchar_t*>(pattern);
         // A table's scale of 0 would draw the lines on top of each other.
         style.scale = scale > 0 ? scale : 1;
-        style.angle = angle * M_PI / 180.0;  // the tables give degrees
+        style.angle = angle * std::numbers::pi / 180.0;  // the tables give degrees
         style.patternColor = CKovaAttribSet::FGetHatchCmColorFromCur(cls, aboveGround);
     }
     return style;
@@ -228,7 +230,7 @@ bool fill(AcDbObjectId parcel, const ClassStyle& style, bool solid, const std::w
 // The parcels to symbolize, each once, with the kind of ground it stands for.
 std::vector<std::pair<AcDbObjectId, Ground>> parcelsOf(AcDbDatabase& database, bool status) {
     std::vector<std::pair<AcDbObjectId, Ground>> parcels;
-    std::unordered_set<AcDbObjectId> seen;
+    std::unordered_set<AcDbObjectId, dk::ObjectIdHash> seen;
     auto add = [&](const AcDbObjectIdArray& ids, Ground ground) {
         for (AcDbObjectId id : ids) {
             if (seen.insert(id).second) parcels.emplace_back(id, ground);

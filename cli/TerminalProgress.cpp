@@ -1,14 +1,12 @@
 #include "cli/TerminalProgress.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "cli/Output.h"
+#include "host/db/Console.h"
 #include "host/db/TextCodec.h"
 
 namespace kplan::cli {
@@ -84,8 +82,7 @@ void TerminalProgress::end() {
 }
 
 int TerminalProgress::columns() const {
-    winsize size{};
-    if (::ioctl(::fileno(out_), TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+    if (int width = db::terminalColumns(out_); width > 0) return width;
     const char* env = std::getenv("COLUMNS");
     int fromEnv = env != nullptr ? std::atoi(env) : 0;
     return fromEnv > 0 ? fromEnv : 80;
@@ -120,7 +117,7 @@ void TerminalProgress::draw(bool force) {
 void TerminalProgress::installOnStderr() {
     const char* term = std::getenv("TERM");
     if (term != nullptr && (std::strcmp(term, "dumb") == 0 || *term == 0)) return;
-    if (::isatty(STDERR_FILENO)) db::setProgressSink(std::make_shared<TerminalProgress>(stderr));
+    if (db::isTerminal(stderr)) db::setProgressSink(std::make_shared<TerminalProgress>(stderr));
 }
 
 }  // namespace kplan::cli

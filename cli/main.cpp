@@ -13,7 +13,10 @@
 #include "cli/OptionValues.h"
 #include "cli/TerminalProgress.h"
 #include "host/db/CommandLine.h"
+#include "host/db/Console.h"
+#if KPLAN_WITH_RENDER
 #include "render/CjkFont.h"
+#endif
 
 #if defined(__SANITIZE_ADDRESS__)
 // cairo 1.16 loses a little of its own memory while it finishes a PDF with a subset of a
@@ -114,7 +117,18 @@ int usageError(const CLI::App& app, const CLI::ParseError& e, int argc, char** a
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Names and options in UTF-8 on every platform.
+    std::vector<std::string> arguments = db::utf8Arguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    argv = pointers.data();
+    db::useUtf8Console();
     CLI::App app{"kplan: planning data in CAD drawings", "kplan"};
+    // The same command line on every platform: "/x" is a path (CLI11 reads it as an option
+    // on Windows otherwise). Set before the commands are added, which take it over.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.set_version_flag("--version", std::string("kplan ") + KPLAN_VERSION);
     app.footer(
@@ -127,9 +141,13 @@ int main(int argc, char** argv) {
     kplan::cli::addStatsCommand(app, exitCode);
     kplan::cli::addListCommand(app, exitCode);
     kplan::cli::addLabelCommand(app, exitCode);
+#if KPLAN_WITH_GIS
     kplan::cli::addExportCommand(app, exitCode);
     kplan::cli::addImportCommand(app, exitCode);
+#endif
+#if KPLAN_WITH_RENDER
     kplan::cli::addRenderCommand(app, exitCode);
+#endif
     kplan::cli::addSymbolizeCommand(app, exitCode);
     addHelpCommand(app, exitCode);
     refuseEmptyNames(app);
@@ -168,7 +186,9 @@ int main(int argc, char** argv) {
     }
 #if defined(__SANITIZE_ADDRESS__)
     // The leak checker at exit counts cairo's and fontconfig's caches unless they go first.
+#if KPLAN_WITH_RENDER
     render::releaseFontCaches();
+#endif
     return exitCode;
 #else
     // Drawings are left to the system (see LoadedDrawing), and so are the statics.

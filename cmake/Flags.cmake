@@ -16,3 +16,13 @@ if(KPLAN_SANITIZE)
                         -fno-sanitize-recover=undefined)
     add_link_options(-fsanitize=address,undefined)
 endif()
+
+# The cross-build for Windows is a check of the CAD's platform: every translation unit of
+# ours starts with the platform's headers and all their macros (min, max, far, near,
+# ERROR, the A/W names, ...), as the CAD's own projects include them first, in a Unicode
+# build as theirs; and the host's types lose the std::hash that the CAD's SDK does not
+# give them.
+if(WIN32)
+    target_compile_options(kplan_flags INTERFACE -include windows.h)
+    target_compile_definitions(kplan_flags INTERFACE UNICODE _UNICODE KPLAN_NO_HOST_HASHES)
+endif()

@@ -20,6 +20,7 @@
 #include "host/arx/dbpl.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
+#include "host/db/Utf8Path.h"
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaCad.h"
 #include "record/BoundaryRecord.h"
@@ -551,7 +552,7 @@ std::vector<ExportLayer> drawingLayers() {
 }
 
 std::string driverForPath(const std::string& path) {
-    std::string ext = fs::path(path).extension().string();
+    std::string ext = db::utf8Name(db::utf8Path(path).extension());
     for (char& c : ext)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     if (ext == ".gpkg") return "GPKG";
@@ -612,26 +613,26 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
         error = path + ": the drawing holds no records to export";
         return false;
     }
-    fs::path target(path);
+    fs::path target = db::utf8Path(path);
     fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
     const bool oneFile = driverName == "GPKG";
     std::vector<std::string> names;  // final file names, in folder
     if (oneFile) {
-        names.push_back(target.filename().string());
+        names.push_back(db::utf8Name(target.filename()));
     } else {
         for (const LayerOutput& output : outputs)
-            names.push_back(target.stem().string() + "_" + output.layer->name +
-                            target.extension().string());
+            names.push_back(db::utf8Name(target.stem()) + "_" + output.layer->name +
+                            db::utf8Name(target.extension()));
     }
     for (const std::string& name : names) {
-        if (fileExists(folder / name) && !options.overwrite) {
-            error = (folder / name).string() + " exists (--force replaces it)";
+        if (fileExists(folder / db::utf8Path(name)) && !options.overwrite) {
+            error = db::utf8Name(folder / db::utf8Path(name)) + " exists (--force replaces it)";
             return false;
         }
     }
     StagingFolder staging(folder);
     if (staging.path().empty()) {
-        error = folder.string() + ": cannot write there";
+        error = db::utf8Name(folder) + ": cannot write there";
         return false;
     }
     const OGRSpatialReference* crs = options.crs.empty() ? nullptr : &srs;
@@ -658,7 +659,7 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
     }
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (oneFile && i > 0) break;
-        std::string file = (staging.path() / names[i]).string();
+        std::string file = db::utf8Name(staging.path() / db::utf8Path(names[i]));
         std::unique_ptr<GDALDataset> dataset(
             driver->Create(file.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
         if (!dataset) {
@@ -688,12 +689,13 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
     for (const auto& entry : fs::directory_iterator(staging.path(), ec)) {
         fs::rename(entry.path(), folder / entry.path().filename(), ec);
         if (ec) {
-            error = (folder / entry.path().filename()).string() + ": cannot write: " + ec.message();
+            error =
+                db::utf8Name(folder / entry.path().filename()) + ": cannot write: " + ec.message();
             return false;
         }
     }
     for (const std::string& name : names)
-        summary.files.push_back((folder / name).string());
+        summary.files.push_back(db::utf8Name(folder / db::utf8Path(name)));
     return true;
 }
 

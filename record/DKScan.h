@@ -7,6 +7,7 @@
 #include "host/mfc/CString.h"
 #include "host/mfc/CStringArray.h"
 #include "kplan/Export.h"
+#include "record/ObjectIdHash.h"
 
 namespace dk {
 
@@ -28,7 +29,7 @@ class KPLAN_API IdAppender {
 
   private:
     AcDbObjectIdArray& ids_;
-    std::unordered_set<AcDbObjectId> seen_;
+    std::unordered_set<AcDbObjectId, ObjectIdHash> seen_;
 };
 
 // Appends text when it is not in the list yet (exact match); false when it was.

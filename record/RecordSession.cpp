@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "record/ObjectIdHash.h"
+
 namespace dk {
 
 namespace {
@@ -23,7 +25,7 @@ struct Session {
     std::mutex mutex;
     // Read without the lock: every record read asks whether a session is open.
     std::atomic<int> depth{0};
-    std::unordered_map<AcDbObjectId, std::vector<Entry>> entries;
+    std::unordered_map<AcDbObjectId, std::vector<Entry>, ObjectIdHash> entries;
     // The entries of the entity read last: a reader asks several things of one entity in a
     // row (its generation, then a field, then its area), so most reads skip the map.
     AcDbObjectId lastId;

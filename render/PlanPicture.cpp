@@ -11,6 +11,7 @@
 #include <fstream>
 #include <random>
 
+#include "host/db/Utf8Path.h"
 #include "render/CairoCanvas.h"
 #include "render/CjkFont.h"
 #include "render/HatchLines.h"
@@ -272,7 +273,7 @@ void paintTable(Canvas& canvas, const BalanceTable& table, const std::vector<dou
 }
 
 std::string lowerExtension(const std::string& path) {
-    std::string ext = fs::path(path).extension().string();
+    std::string ext = db::utf8Name(db::utf8Path(path).extension());
     std::transform(ext.begin(), ext.end(), ext.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return ext;
@@ -282,7 +283,8 @@ fs::path temporaryBeside(const fs::path& target) {
     std::random_device random;
     char tag[16];
     std::snprintf(tag, sizeof tag, "%08x", static_cast<unsigned>(random()));
-    return target.parent_path() / ("." + target.filename().string() + "." + tag + ".tmp");
+    return target.parent_path() /
+           db::utf8Path("." + db::utf8Name(target.filename()) + "." + tag + ".tmp");
 }
 
 }  // namespace
@@ -333,9 +335,9 @@ bool writePicture(PlanScene& scene, const PictureOptions& options, const std::st
     if (!pictureFormatOf(path, format, error)) return false;
     std::string family;
     if (!findCjkFont(family, error)) return false;
-    fs::path target(path);
+    fs::path target = db::utf8Path(path);
     fs::path temp = temporaryBeside(target);
-    std::string tempName = temp.string();
+    std::string tempName = db::utf8Name(temp);
     bool ok = false;
     PictureLayout layout;
     {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 
+#include "host/db/Utf8Path.h"
 #include "report/JsonWriter.h"
 #include "report/TerminalWriter.h"
 #include "report/TextColumns.h"
@@ -199,7 +200,7 @@ class Sheets {
 }  // namespace
 
 bool writeXlsx(const Report& report, const std::string& path, bool english, std::string& error) {
-    std::filesystem::path target(path);
+    std::filesystem::path target = db::utf8Path(path);
     std::filesystem::path partial = target;
     partial += ".partial";
     // The library reports its own failures on stderr: a folder that is not there is found
@@ -207,7 +208,7 @@ bool writeXlsx(const Report& report, const std::string& path, bool english, std:
     std::error_code exists;
     std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
     lxw_workbook* book = std::filesystem::is_directory(folder, exists)
-                             ? workbook_new(partial.string().c_str())
+                             ? workbook_new(db::utf8Name(partial).c_str())
                              : nullptr;
     if (book == nullptr) {
         error = path + ": cannot write the file";

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages kplan needs, when they are missing: to build and run it
-# with --run (scripts/run.sh), and to build and test it otherwise (scripts/test.sh).
+# with --run (scripts/run.sh), with --windows those and the cross compiler and wine
+# (scripts/check-windows.sh), and to build and test it otherwise (scripts/test.sh).
 # Runs as root on a fresh Debian 12 machine; uses sudo otherwise.
 set -euo pipefail
 
@@ -11,7 +12,9 @@ packages=(
     nlohmann-json3-dev libxlsxwriter-dev libfast-float-dev
     libcairo2-dev libfontconfig-dev fontconfig fonts-noto-cjk
 )
-if [ "${1:-}" != --run ]; then
+if [ "${1:-}" = --windows ]; then
+    packages+=(g++-mingw-w64-x86-64-posix wine wine64)
+elif [ "${1:-}" != --run ]; then
     packages+=(
         libgtest-dev libgmock-dev libbenchmark-dev libdxflib-dev
         clang libclang-rt-14-dev clang-format

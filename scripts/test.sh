@@ -52,3 +52,10 @@ for harness in dxf tags record; do
     echo "fuzz $harness: $(grep -a -o 'Done [0-9]* runs in [0-9]* second(s)' "$log" | tail -n 1)," \
         "$(grep -a -o 'average_exec_per_sec: *[0-9]*' "$log" | tr -s ' ' | cut -d' ' -f2) a second, no failure"
 done
+
+# The cross-build for the CAD's platform, and the same figures from kplan.exe under wine,
+# when the cross compiler and wine are installed (scripts/check-windows.sh installs them
+# itself; here they are not installed, for the time that takes).
+if command -v x86_64-w64-mingw32-g++-posix >/dev/null && command -v wine >/dev/null; then
+    bash scripts/check-windows.sh
+fi

@@ -13,6 +13,7 @@
 #include "host/kova/KovaEnt.h"
 #include "host/kova/KovaGeo.h"
 #include "host/kova/KovaSimulate.h"
+#include "record/ObjectIdHash.h"
 #include "stats/GpcAdaptor.h"
 
 namespace stats {
@@ -976,7 +977,7 @@ namespace {
 
 struct Session {
     int depth = 0;
-    std::unordered_map<AcDbObjectId, std::shared_ptr<BoundaryClip>> clips;
+    std::unordered_map<AcDbObjectId, std::shared_ptr<BoundaryClip>, dk::ObjectIdHash> clips;
 };
 
 // Each thread of a batch clips within a drawing of its own.

@@ -16,6 +16,7 @@
 #include "host/arx/gepnt3d.h"
 #include "host/gpc/gpc.h"
 #include "kplan/Export.h"
+#include "record/ObjectIdHash.h"
 
 namespace stats {
 
@@ -136,7 +137,7 @@ class KPLAN_API BoundaryClip {
     long clips_ = 0, fullClips_ = 0;
     bool keepAnswers_ = false;
     bool lastRead_ = false;  // the last curve classified now could be read
-    std::unordered_map<AcDbObjectId, Answer> answers_;
+    std::unordered_map<AcDbObjectId, Answer, dk::ObjectIdHash> answers_;
 };
 
 // A run of statistics over a drawing that does not change while it runs (the balance

@@ -6,6 +6,7 @@
 
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
+#include "record/ObjectIdHash.h"
 #include "stats/BoundaryStats.h"
 #include "stats/StatsUtil.h"
 
@@ -81,7 +82,7 @@ int listTotal(const AcDbObjectIdArray& ids, double& area, const Test& test) {
 // The boundary form of "H", "H1" and "H11": crossing parcels with their part inside.
 int boundaryTotal(AcDbObjectId boundary, const AcDbObjectIdArray& ids,
                   const AcDbObjectIdArray& cutIds, double& area, const Test& test) {
-    std::unordered_set<AcDbObjectId> crossing(cutIds.begin(), cutIds.end());
+    std::unordered_set<AcDbObjectId, dk::ObjectIdHash> crossing(cutIds.begin(), cutIds.end());
     area = 0;
     for (AcDbObjectId id : ids) {
         CString code;

@@ -12,6 +12,8 @@ using UInt16 = std::uint16_t;
 using UInt32 = std::uint32_t;
 using UInt64 = std::uint64_t;
 using Boolean = bool;
+// An object id as a number (AcDbObjectId::asOldId): pointer-sized, as in the host.
+using IntDbId = std::intptr_t;
 constexpr bool kTrue = true;
 constexpr bool kFalse = false;
 }  // namespace Adesk

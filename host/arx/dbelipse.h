@@ -1,5 +1,7 @@
 #pragma once
 // The ellipse and the elliptic arc.
+#include <numbers>
+
 #include "host/arx/dbcurve.h"
 #include "kplan/Export.h"
 
@@ -13,7 +15,7 @@ class KPLAN_API AcDbEllipse : public AcDbCurve {
     AcDbEllipse() = default;
     AcDbEllipse(const AcGePoint3d& center, const AcGeVector3d& unitNormal,
                 const AcGeVector3d& majorAxis, double radiusRatio, double startAngle = 0,
-                double endAngle = 2 * M_PI);
+                double endAngle = 2 * std::numbers::pi);
 
     AcGePoint3d center() const { return center_; }
     Acad::ErrorStatus setCenter(const AcGePoint3d& center);
@@ -27,7 +29,7 @@ class KPLAN_API AcDbEllipse : public AcDbCurve {
     // (0, 1]. eInvalidInput otherwise, nothing changed.
     Acad::ErrorStatus set(const AcGePoint3d& center, const AcGeVector3d& unitNormal,
                           const AcGeVector3d& majorAxis, double radiusRatio, double startAngle = 0,
-                          double endAngle = 2 * M_PI);
+                          double endAngle = 2 * std::numbers::pi);
 
     // For loaders, which set the shape one part at a time and check it whole
     // (isValidShape) once read.
@@ -66,5 +68,5 @@ class KPLAN_API AcDbEllipse : public AcDbCurve {
     AcGePoint3d center_;
     AcGeVector3d normal_ = AcGeVector3d::kZAxis;
     AcGeVector3d major_ = AcGeVector3d::kXAxis;
-    double ratio_ = 1, start_ = 0, end_ = 2 * M_PI;
+    double ratio_ = 1, start_ = 0, end_ = 2 * std::numbers::pi;
 };

@@ -49,6 +49,8 @@ class KPLAN_API AcDbObjectId {
     AcDbHandle handle() const;
 
     db::Stub* stub() const { return stub_; }
+    // The id as a number, unique among the objects of the open drawings while they are open.
+    Adesk::IntDbId asOldId() const { return reinterpret_cast<Adesk::IntDbId>(stub_); }
     explicit operator bool() const = delete;
     bool operator==(const AcDbObjectId&) const = default;
     bool operator<(const AcDbObjectId& o) const { return std::less<db::Stub*>()(stub_, o.stub_); }
@@ -59,9 +61,14 @@ class KPLAN_API AcDbObjectId {
 
 using AcDbObjectIdArray = AcArray<AcDbObjectId>;
 
+// A convenience of this host that the CAD's SDK does not give: the platform check
+// (KPLAN_NO_HOST_HASHES) leaves it out, so that code meant for the CAD hashes ids its
+// own way (record/ObjectIdHash.h).
+#ifndef KPLAN_NO_HOST_HASHES
 template <>
 struct std::hash<AcDbObjectId> {
     std::size_t operator()(const AcDbObjectId& id) const noexcept {
         return std::hash<db::Stub*>()(id.stub());
     }
 };
+#endif

@@ -10,6 +10,18 @@
 
 ACRX_DEFINE_MEMBERS(AcDbSortentsTable, AcDbObject, L"SORTENTSTABLE")
 
+namespace {
+
+// Ids hashed by the object they refer to, without the std::hash of ids that the platform
+// check leaves out.
+struct IdHash {
+    std::size_t operator()(AcDbObjectId id) const noexcept {
+        return std::hash<db::Stub*>()(id.stub());
+    }
+};
+
+}  // namespace
+
 Acad::ErrorStatus AcDbSortentsTable::setBlockId(AcDbObjectId block) {
     if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
     block_ = block;
@@ -33,7 +45,7 @@ std::vector<AcDbObjectId> AcDbSortentsTable::drawOrder() const {
     auto* block = arx::peek<AcDbBlockTableRecord>(block_);
     if (block == nullptr) return ids;
     // Looked up once per entity: a drawing whose fills all moved has as many entries.
-    std::unordered_map<AcDbObjectId, std::uint64_t> sortHandles;
+    std::unordered_map<AcDbObjectId, std::uint64_t, IdHash> sortHandles;
     for (const auto& [entity, sortHandle] : entries_)
         sortHandles.emplace(entity, sortHandle.value());
     std::vector<std::pair<std::uint64_t, AcDbObjectId>> keyed;
@@ -94,8 +106,8 @@ Acad::ErrorStatus AcDbSortentsTable::moveRelative(const AcDbObjectIdArray& ids, 
                                                   bool above) {
     if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
     std::vector<AcDbObjectId> current = drawOrder();
-    std::unordered_set<AcDbObjectId> live(current.begin(), current.end());
-    std::unordered_set<AcDbObjectId> moving;
+    std::unordered_set<AcDbObjectId, IdHash> live(current.begin(), current.end());
+    std::unordered_set<AcDbObjectId, IdHash> moving;
     for (int i = 0; i < ids.length(); ++i) {
         if (!live.count(ids[i])) return Acad::eInvalidInput;  // not a live entity of this block
         moving.insert(ids[i]);

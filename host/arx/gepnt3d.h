@@ -1,6 +1,7 @@
 #pragma once
 // Points and vectors of the host's geometry library.
 #include <cmath>
+#include <numbers>
 
 #include "host/arx/acarray.h"
 #include "kplan/Export.h"
@@ -33,7 +34,7 @@ class KPLAN_API AcGeVector2d {
     double dotProduct(const AcGeVector2d& v) const { return x * v.x + y * v.y; }
     double angle() const {
         double a = std::atan2(y, x);
-        return a < 0 ? a + 2 * M_PI : a;
+        return a < 0 ? a + 2 * std::numbers::pi : a;
     }
     bool operator==(const AcGeVector2d&) const = default;
 };

@@ -10,7 +10,9 @@
 #include <sstream>
 #include <system_error>
 
+#include "host/db/ExecutablePath.h"
 #include "host/db/InstalledData.h"
+#include "host/db/Utf8Path.h"
 
 namespace db {
 
@@ -61,22 +63,20 @@ std::string defaultFolder() {
     std::vector<fs::path> candidates;
     if (const char* env = std::getenv("KPLAN_PATTERNS"); env && *env) return env;
     if (const char* data = std::getenv("KPLAN_DATA"); data && *data)
-        candidates.push_back(fs::path(data) / ".." / "patterns");
+        candidates.push_back(utf8Path(data) / ".." / "patterns");
     if (fs::path installed = installedDataFolder("patterns"); !installed.empty())
         candidates.push_back(installed);
-    std::error_code ec;
-    fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-    if (!ec) {
+    if (fs::path exe = executablePath(); !exe.empty()) {
         fs::path dir = exe.parent_path();
         candidates.push_back(dir / ".." / "share" / "kplan" / "patterns");
         candidates.push_back(dir / "data" / "patterns");
         candidates.push_back(dir / ".." / "data" / "patterns");
     }
-    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "patterns");
+    candidates.push_back(utf8Path(KPLAN_SOURCE_DIR) / "data" / "patterns");
     for (const fs::path& c : candidates) {
-        if (isDirectory(c)) return c.lexically_normal().string();
+        if (isDirectory(c)) return utf8Name(c.lexically_normal());
     }
-    return candidates.empty() ? std::string() : candidates.back().lexically_normal().string();
+    return candidates.empty() ? std::string() : utf8Name(candidates.back().lexically_normal());
 }
 
 }  // namespace
@@ -172,14 +172,14 @@ std::string hatchPatternFolder() {
 
 const HatchPatternFile* hatchPatterns(bool metric, std::string& error) {
     std::string path =
-        (fs::path(hatchPatternFolder()) / (metric ? "kplaniso.pat" : "kplan.pat")).string();
+        utf8Name(utf8Path(hatchPatternFolder()) / (metric ? "kplaniso.pat" : "kplan.pat"));
     Settings& s = settings();
     std::lock_guard<std::mutex> lock(s.mutex);
     auto found = s.files.find(path);
     if (found == s.files.end()) {
         auto file = std::make_unique<HatchPatternFile>();
         std::string problem;
-        std::ifstream in(path, std::ios::binary);
+        std::ifstream in(utf8Path(path), std::ios::binary);
         if (!in) {
             problem = path + ": no hatch pattern file there";
             file.reset();

@@ -1,8 +1,13 @@
 #include "host/db/TextCodec.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <iconv.h>
+#endif
 
 #include <cerrno>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -119,6 +124,51 @@ bool asciiCompatible(std::string_view codePage) {
            upper == "GB2312" || upper == "BIG5" || upper == "KSC5601";
 }
 
+#ifdef _WIN32
+// The platform's own converters (the CAD's platform has no iconv): the Windows code page of
+// an iconv name, 0 when there is none.
+unsigned windowsCodePage(const std::string& iconvName) {
+    unsigned number = 0;
+    const std::string_view name(iconvName);
+    if (name == "GBK") {
+        number = 936;
+    } else if (name == "UHC") {
+        number = 949;
+    } else if (name.starts_with("CP") && allDigits(name.substr(2)) && name.size() < 8) {
+        number = static_cast<unsigned>(std::stoul(iconvName.substr(2)));
+    } else if (name.starts_with("IBM") && allDigits(name.substr(3)) && name.size() < 9) {
+        number = static_cast<unsigned>(std::stoul(iconvName.substr(3)));
+    }
+    return number != 0 && IsValidCodePage(number) ? number : 0;
+}
+
+// Appends the characters of bytes; false when some byte is not of the code page.
+bool appendDecoded(unsigned codePage, const char* bytes, std::size_t n, std::wstring& out) {
+    if (n == 0) return true;
+    const int size =
+        MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes, static_cast<int>(n), nullptr, 0);
+    if (size <= 0) return false;
+    const std::size_t at = out.size();
+    out.resize(at + static_cast<std::size_t>(size));
+    MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes, static_cast<int>(n), out.data() + at,
+                        size);
+    return true;
+}
+
+// Appends the bytes of text; false when some character has no encoding there.
+bool appendEncoded(unsigned codePage, const wchar_t* text, std::size_t n, std::string& out) {
+    if (n == 0) return true;
+    BOOL defaulted = FALSE;
+    const int size = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, text, static_cast<int>(n),
+                                         nullptr, 0, nullptr, &defaulted);
+    if (size <= 0 || defaulted) return false;
+    const std::size_t at = out.size();
+    out.resize(at + static_cast<std::size_t>(size));
+    WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, text, static_cast<int>(n), out.data() + at,
+                        size, nullptr, nullptr);
+    return true;
+}
+#else
 // iconv handles are costly to open and stateful, so each thread keeps its own, keyed by
 // direction and name, and closes them when it ends.
 class ConverterCache {
@@ -151,6 +201,7 @@ iconv_t converter(const std::string& to, const std::string& from) {
 }
 
 constexpr const char* kWide = "WCHAR_T";
+#endif
 
 void appendEscape(std::string& out, std::uint32_t unit) {
     static const char* digits = "0123456789ABCDEF";
@@ -197,8 +248,13 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
         }
         return true;
     }
+#ifdef _WIN32
+    const unsigned windows = windowsCodePage(name);
+    if (windows == 0) return false;
+#else
     iconv_t cd = converter(name, kWide);
     if (cd == ConverterCache::invalid()) return false;
+#endif
 
     // Code page 936 gives the euro sign the lone byte 0x80, which GBK readers other than
     // Windows' own (Python's codec, ezdxf) do not know: it is written as an escape.
@@ -221,7 +277,7 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
 
     bool ascii = asciiCompatible(codePage);
     for (std::size_t k = 0; ascii && k < text.size(); ++k)
-        ascii = text[k] >= 0 && text[k] < 0x80;
+        ascii = static_cast<std::uint32_t>(text[k]) < 0x80;
     if (ascii) {
         out.reserve(text.size());
         for (wchar_t ch : text)
@@ -229,6 +285,24 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
         return true;
     }
 
+#ifdef _WIN32
+    if (text.size() <= INT_MAX / 2 && appendEncoded(windows, text.data(), text.size(), out))
+        return true;
+    // Character by character, a surrogate pair as one, to say which could not be encoded.
+    out.clear();
+    for (std::size_t k = 0; k < text.size();) {
+        const bool pair =
+            k + 1 < text.size() && IS_HIGH_SURROGATE(text[k]) && IS_LOW_SURROGATE(text[k + 1]);
+        const std::size_t units = pair ? 2 : 1;
+        if (!appendEncoded(windows, text.data() + k, units, out)) {
+            unencodable(pair ? 0x10000 + ((static_cast<std::uint32_t>(text[k]) - 0xD800) << 10) +
+                                   (static_cast<std::uint32_t>(text[k + 1]) - 0xDC00)
+                             : static_cast<std::uint32_t>(text[k]));
+        }
+        k += units;
+    }
+    return true;
+#else
     char* in = const_cast<char*>(reinterpret_cast<const char*>(text.data()));
     std::size_t inLeft = text.size() * sizeof(wchar_t);
     char buffer[4096];
@@ -257,6 +331,7 @@ bool encode(std::wstring_view text, std::string_view codePage, bool escapes, std
         inLeft -= sizeof(wchar_t);
         if (inLeft == 0) return true;
     }
+#endif
 }
 
 }  // namespace
@@ -282,6 +357,13 @@ void utf8ToWide(std::string_view bytes, std::wstring& out) {
         std::uint32_t cp = 0;
         bool ok = false;
         i += decodeSequence(s, i, n, cp, ok);
+        if constexpr (sizeof(wchar_t) == 2) {
+            // UTF-16 on Windows: a pair for a character beyond the BMP (it took four bytes).
+            if (cp >= 0x10000) {
+                *o++ = static_cast<wchar_t>(0xD800 + ((cp - 0x10000) >> 10));
+                cp = 0xDC00 + (cp & 0x3FF);
+            }
+        }
         *o++ = static_cast<wchar_t>(cp);
     }
     out.resize(static_cast<std::size_t>(o - out.data()));
@@ -290,8 +372,15 @@ void utf8ToWide(std::string_view bytes, std::wstring& out) {
 std::string wideToUtf8(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());
-    for (wchar_t ch : text) {
-        const auto cp = static_cast<std::uint32_t>(ch);
+    for (std::size_t k = 0; k < text.size(); ++k) {
+        auto cp = static_cast<std::uint32_t>(text[k]);
+        if constexpr (sizeof(wchar_t) == 2) {
+            const auto next = k + 1 < text.size() ? static_cast<std::uint32_t>(text[k + 1]) : 0;
+            if (cp >= 0xD800 && cp <= 0xDBFF && next >= 0xDC00 && next <= 0xDFFF) {
+                cp = 0x10000 + ((cp - 0xD800) << 10) + (next - 0xDC00);
+                ++k;
+            }
+        }
         appendUtf8(out, isScalarValue(cp) ? cp : kReplacement);
     }
     return out;
@@ -334,8 +423,13 @@ bool decodeCodePage(std::string_view bytes, std::string_view codePage, std::wstr
         out = utf8ToWide(bytes);
         return isValidUtf8(bytes);
     }
+#ifdef _WIN32
+    const unsigned windows = windowsCodePage(name);
+    if (windows == 0) return false;
+#else
     iconv_t cd = converter(kWide, name);
     if (cd == ConverterCache::invalid()) return false;
+#endif
 
     if (asciiCompatible(codePage)) {
         const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -345,6 +439,28 @@ bool decodeCodePage(std::string_view bytes, std::string_view codePage, std::wstr
         }
     }
 
+#ifdef _WIN32
+    if (bytes.size() <= INT_MAX && appendDecoded(windows, bytes.data(), bytes.size(), out))
+        return true;
+    // A character at a time: a byte that is not of the code page becomes U+FFFD and the
+    // reading goes on after it, as with iconv.
+    out.clear();
+    bool clean = true;
+    for (std::size_t i = 0; i < bytes.size();) {
+        std::size_t length = IsDBCSLeadByteEx(windows, static_cast<BYTE>(bytes[i])) ? 2 : 1;
+        if (i + length > bytes.size()) {
+            out.push_back(static_cast<wchar_t>(kReplacement));
+            return false;  // truncated sequence at the end
+        }
+        if (!appendDecoded(windows, bytes.data() + i, length, out)) {
+            out.push_back(static_cast<wchar_t>(kReplacement));
+            clean = false;
+            length = 1;
+        }
+        i += length;
+    }
+    return clean;
+#else
     bool clean = true;
     out.reserve(bytes.size());
     char* in = const_cast<char*>(bytes.data());
@@ -367,6 +483,7 @@ bool decodeCodePage(std::string_view bytes, std::string_view codePage, std::wstr
         --inLeft;
         if (inLeft == 0) return false;
     }
+#endif
 }
 
 bool encodeCodePage(std::wstring_view text, std::string_view codePage, std::string& out) {

@@ -14,6 +14,7 @@
 #include "host/db/GroupCode.h"
 #include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
+#include "host/db/Utf8Path.h"
 #include "host/dxf/AttributeCodecs.h"
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
@@ -1261,13 +1262,13 @@ bool read(std::istream& in, AcDbDatabase& database, std::string& error, const st
 
 bool load(const std::string& path, AcDbDatabase& database, std::string& error,
           const ReadOptions& options) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(db::utf8Path(path), std::ios::binary);
     if (!in) {
         error = path + ": cannot open the file";
         return false;
     }
     std::error_code ec;
-    std::uint64_t size = std::filesystem::file_size(path, ec);
+    std::uint64_t size = std::filesystem::file_size(db::utf8Path(path), ec);
     if (ec) size = 0;
     return readWith(in, database, error, path, size, threadsFor(options, size), options);
 }

@@ -1,6 +1,10 @@
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cctype>
@@ -20,6 +24,7 @@
 #include "host/arx/peek.h"
 #include "host/db/Progress.h"
 #include "host/db/TextCodec.h"
+#include "host/db/Utf8Path.h"
 #include "host/dxf/Codecs.h"
 #include "host/dxf/Dxf.h"
 #include "host/dxf/DxfModel.h"
@@ -753,9 +758,16 @@ bool writeTo(const AcDbDatabase& database, TagWriter& out, std::string& error,
     return true;
 }
 
+#ifdef _WIN32
+// The message of the system's last error.
+std::string windowsError(const std::string& what) {
+    return what + ": " + std::system_category().message(static_cast<int>(GetLastError()));
+}
+#else
 std::string systemError(const std::string& what, int code) {
     return what + ": " + std::strerror(code);
 }
+#endif
 
 }  // namespace
 
@@ -780,6 +792,98 @@ bool write(const AcDbDatabase& database, std::ostream& out, std::string& error,
     return false;
 }
 
+#ifdef _WIN32
+// The same steps with the platform's calls: a new file beside the target, written and
+// flushed, the previous file kept as the backup, then renamed over the target.
+bool save(const AcDbDatabase& database, const std::string& named, std::string& error,
+          const SaveOptions& options) {
+    namespace fs = std::filesystem;
+    std::wstring tmp;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    try {
+        error.clear();
+        std::error_code linkError;
+        const fs::path target = fs::is_symlink(db::utf8Path(named), linkError)
+                                    ? fs::weakly_canonical(db::utf8Path(named))
+                                    : db::utf8Path(named);
+        const std::string path = db::utf8Name(target);
+        const fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
+        const DWORD folderAttributes = GetFileAttributesW(folder.c_str());
+        if (folderAttributes == INVALID_FILE_ATTRIBUTES ||
+            !(folderAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            error = windowsError(path + ": cannot save into " + db::utf8Name(folder));
+            return false;
+        }
+        const DWORD attributes = GetFileAttributesW(target.c_str());
+        const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
+        if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            error = path + ": not a regular file";
+            return false;
+        }
+        if (exists && (attributes & FILE_ATTRIBUTE_READONLY)) {
+            error = path + ": the file is read-only";
+            return false;
+        }
+        const std::wstring stem = (folder / (L"." + target.filename().wstring())).wstring();
+        for (unsigned attempt = 0; file == INVALID_HANDLE_VALUE && attempt < 100; ++attempt) {
+            tmp = stem + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                  std::to_wstring(attempt);
+            file = CreateFileW(tmp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+            if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
+        }
+        if (file == INVALID_HANDLE_VALUE) {
+            error = windowsError(path + ": cannot create a file in " + db::utf8Name(folder));
+            tmp.clear();
+            return false;
+        }
+        bool writeFailed = false;
+        TagWriter writer([&](std::string_view bytes) {
+            while (!bytes.empty()) {
+                const DWORD chunk =
+                    static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 30));
+                DWORD written = 0;
+                if (!WriteFile(file, bytes.data(), chunk, &written, nullptr) || written == 0) {
+                    writeFailed = true;
+                    return false;
+                }
+                bytes.remove_prefix(written);
+            }
+            return true;
+        });
+        bool ok = writeTo(database, writer, error, options, named);
+        if (!ok && writeFailed) error = windowsError(path + ": the drawing could not be written");
+        if (ok && !FlushFileBuffers(file)) {
+            error = windowsError(path + ": the drawing could not be flushed to disk");
+            ok = false;
+        }
+        CloseHandle(file);
+        file = INVALID_HANDLE_VALUE;
+        if (ok && exists) {
+            // The previous file stays as the backup: a second name for the same bytes.
+            const std::wstring backup = target.wstring() + L".bak";
+            DeleteFileW(backup.c_str());
+            if (!CreateHardLinkW(backup.c_str(), target.c_str(), nullptr) &&
+                !CopyFileW(target.c_str(), backup.c_str(), FALSE)) {
+                error = windowsError(path + ": cannot keep the previous file as " + path + ".bak");
+                ok = false;
+            }
+        }
+        if (ok && !MoveFileExW(tmp.c_str(), target.c_str(),
+                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+            error = windowsError(path + ": cannot replace the file");
+            ok = false;
+        }
+        if (!ok) DeleteFileW(tmp.c_str());
+        return ok;
+    } catch (const std::exception& e) {
+        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+        if (!tmp.empty()) DeleteFileW(tmp.c_str());
+        error = named + ": " + e.what();
+    }
+    return false;
+}
+#else
 bool save(const AcDbDatabase& database, const std::string& named, std::string& error,
           const SaveOptions& options) {
     namespace fs = std::filesystem;
@@ -895,6 +999,7 @@ bool save(const AcDbDatabase& database, const std::string& named, std::string& e
     }
     return false;
 }
+#endif
 
 DrawingInfo drawingInfo(const AcDbDatabase& database) {
     DrawingInfo info;

@@ -5,8 +5,10 @@
 #include <system_error>
 #include <vector>
 
+#include "host/db/ExecutablePath.h"
 #include "host/db/HatchPatternFile.h"
 #include "host/db/InstalledData.h"
+#include "host/db/Utf8Path.h"
 
 namespace {
 
@@ -27,11 +29,11 @@ std::wstring fromEnvironment(const char* name) {
 }
 
 fs::path toPath(const std::wstring& text) {
-    return fs::path(CString(text).ToUtf8());
+    return db::utf8Path(CString(text).ToUtf8());
 }
 
 std::wstring fromPath(const fs::path& path) {
-    return CString::FromUtf8(path.string()).wstr();
+    return CString::FromUtf8(db::utf8Name(path)).wstr();
 }
 
 bool isDirectory(const fs::path& path) {
@@ -45,9 +47,7 @@ bool isFile(const std::wstring& path) {
 }
 
 fs::path executableDirectory() {
-    std::error_code ec;
-    fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-    return ec ? fs::path() : exe.parent_path();
+    return db::executablePath().parent_path();
 }
 
 std::wstring searchDefaultRoot() {
@@ -60,7 +60,7 @@ std::wstring searchDefaultRoot() {
         candidates.push_back(exeDir / "data" / "standards");
         candidates.push_back(exeDir / ".." / "data" / "standards");
     }
-    candidates.push_back(fs::path(KPLAN_SOURCE_DIR) / "data" / "standards");
+    candidates.push_back(db::utf8Path(KPLAN_SOURCE_DIR) / "data" / "standards");
     for (const fs::path& c : candidates) {
         if (isDirectory(c)) return fromPath(c.lexically_normal());
     }
@@ -130,7 +130,7 @@ void CKovaDataSet::FSetGStandardDirPath(const ACHAR* root) {
     // A data folder laid out as the shipped one has its hatch patterns beside the standards.
     fs::path patterns = toPath(settings().root) / ".." / "patterns";
     db::setHatchPatternFolder(!settings().root.empty() && isDirectory(patterns)
-                                  ? patterns.lexically_normal().string()
+                                  ? db::utf8Name(patterns.lexically_normal())
                                   : std::string());
 }
 

@@ -1,7 +1,7 @@
 #include "host/kova/KovaEnt.h"
 
 #include <cmath>
-#include <unordered_set>
+#include <set>
 
 #include "host/arx/acedads.h"
 #include "host/arx/dbapserv.h"
@@ -244,7 +244,7 @@ int IdsToSS(const AcDbObjectIdArray& ids, ads_name ss) {
 }
 
 int FRemoveRepeatId(AcDbObjectIdArray& ids) {
-    std::unordered_set<AcDbObjectId> seen;
+    std::set<AcDbObjectId> seen;
     AcDbObjectIdArray kept;
     for (AcDbObjectId id : ids) {
         if (seen.insert(id).second) kept.append(id);

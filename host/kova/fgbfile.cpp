@@ -1,9 +1,14 @@
 #include "host/kova/fgbfile.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#endif
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <string_view>
@@ -16,7 +21,33 @@ namespace {
 
 constexpr const char* kBom = "\xEF\xBB\xBF";
 
-std::string nativePath(LPCTSTR path) {
+#ifdef _WIN32
+// The platform takes wide names as they are.
+using NativePath = std::wstring;
+
+NativePath nativePath(LPCTSTR path) {
+    return path ? path : L"";
+}
+
+bool isRegularFile(const NativePath& path) {
+    const DWORD attributes =
+        path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+std::FILE* openFile(const NativePath& path, const wchar_t* mode) {
+    return ::_wfopen(path.c_str(), mode);
+}
+
+bool isEmptyFile(const NativePath& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+           data.nFileSizeLow == 0 && data.nFileSizeHigh == 0;
+}
+#else
+using NativePath = std::string;
+
+NativePath nativePath(LPCTSTR path) {
     std::string out = db::wideToUtf8(path ? path : L"");
     for (char& c : out) {
         if (c == '\\') c = '/';
@@ -24,15 +55,25 @@ std::string nativePath(LPCTSTR path) {
     return out;
 }
 
-bool isRegularFile(const std::string& path) {
+bool isRegularFile(const NativePath& path) {
     struct stat info;
     return !path.empty() && ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
-bool readFile(const std::string& path, std::string& bytes) {
+std::FILE* openFile(const NativePath& path, const wchar_t* mode) {
+    return std::fopen(path.c_str(), db::wideToUtf8(mode).c_str());
+}
+
+bool isEmptyFile(const NativePath& path) {
+    struct stat info;
+    return ::stat(path.c_str(), &info) == 0 && info.st_size == 0;
+}
+#endif
+
+bool readFile(const NativePath& path, std::string& bytes) {
     bytes.clear();
     if (!isRegularFile(path)) return false;
-    std::FILE* file = std::fopen(path.c_str(), "rb");
+    std::FILE* file = openFile(path, L"rb");
     if (!file) return false;
     char buffer[65536];
     std::size_t n;
@@ -98,7 +139,34 @@ bool hasLineBreak(std::wstring_view text) {
 }
 
 // Writes all bytes to a temporary file beside the target and renames it over the target.
-bool writeAtomically(const std::string& path, const std::string& bytes) {
+#ifdef _WIN32
+bool writeAtomically(const NativePath& path, const std::string& bytes) {
+    HANDLE file = INVALID_HANDLE_VALUE;
+    std::wstring temp;
+    for (unsigned attempt = 0; file == INVALID_HANDLE_VALUE && attempt < 100; ++attempt) {
+        temp =
+            path + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(attempt);
+        file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) return false;
+    }
+    if (file == INVALID_HANDLE_VALUE) return false;
+    bool ok = true;
+    for (std::size_t done = 0; ok && done < bytes.size();) {
+        DWORD written = 0;
+        const auto chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
+        ok = WriteFile(file, bytes.data() + done, chunk, &written, nullptr) && written > 0;
+        done += written;
+    }
+    ok = ok && FlushFileBuffers(file);
+    ok = CloseHandle(file) && ok;
+    ok = ok && MoveFileExW(temp.c_str(), path.c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    if (!ok) DeleteFileW(temp.c_str());
+    return ok;
+}
+#else
+bool writeAtomically(const NativePath& path, const std::string& bytes) {
     std::string temp = path + ".XXXXXX";
     const int fd = ::mkstemp(temp.data());
     if (fd < 0) return false;
@@ -121,6 +189,7 @@ bool writeAtomically(const std::string& path, const std::string& bytes) {
     if (!ok) std::remove(temp.c_str());
     return ok;
 }
+#endif
 
 }  // namespace
 
@@ -134,7 +203,7 @@ CFStdioFile::~CFStdioFile() {
 
 BOOL CFStdioFile::Open(LPCTSTR path, UINT flags) {
     Close();
-    const std::string native = nativePath(path);
+    const NativePath native = nativePath(path);
     if (native.empty() || (flags & modeReadWrite)) return FALSE;
     if (!(flags & modeWrite)) {
         std::string bytes;
@@ -148,11 +217,10 @@ BOOL CFStdioFile::Open(LPCTSTR path, UINT flags) {
     const bool exists = isRegularFile(native);
     const bool truncate = (flags & modeCreate) && !(flags & modeNoTruncate);
     if (!exists && !(flags & modeCreate)) return FALSE;
-    out_ = std::fopen(native.c_str(), truncate ? "wb" : "ab");
+    out_ = openFile(native, truncate ? L"wb" : L"ab");
     if (!out_) return FALSE;
     path_ = path;
-    struct stat info;
-    const bool empty = ::stat(native.c_str(), &info) == 0 && info.st_size == 0;
+    const bool empty = isEmptyFile(native);
     if (empty && std::fputs(kBom, out_) == EOF) {
         Close();
         return FALSE;
@@ -293,7 +361,7 @@ BOOL CIniFile::SetValue(LPCTSTR section, LPCTSTR key, LPCTSTR value) {
 }
 
 BOOL CIniFile::Save() {
-    const std::string native = nativePath(path_);
+    const NativePath native = nativePath(path_);
     if (native.empty()) return FALSE;
     std::string bytes = kBom;
     for (const std::wstring& line : lines_) {

@@ -1,7 +1,11 @@
 #include "host/mfc/CString.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <locale.h>
 #include <wctype.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +17,27 @@
 
 namespace {
 
+#ifdef _WIN32
+// Case mapping must not depend on the user's locale: the invariant one of the platform.
+wchar_t mapCase(wchar_t ch, DWORD flag) {
+    wchar_t out = ch;
+    return LCMapStringEx(LOCALE_NAME_INVARIANT, flag, &ch, 1, &out, 1, nullptr, nullptr, 0) == 1
+               ? out
+               : ch;
+}
+
+wchar_t toUpper(wchar_t ch) {
+    if (ch >= L'a' && ch <= L'z') return static_cast<wchar_t>(ch - L'a' + L'A');
+    if (ch < 0x80) return ch;
+    return mapCase(ch, LCMAP_UPPERCASE);
+}
+
+wchar_t toLower(wchar_t ch) {
+    if (ch >= L'A' && ch <= L'Z') return static_cast<wchar_t>(ch - L'A' + L'a');
+    if (ch < 0x80) return ch;
+    return mapCase(ch, LCMAP_LOWERCASE);
+}
+#else
 // Case mapping must not depend on whatever locale the program set, so it uses its own.
 locale_t caseLocale() {
     static const locale_t locale = [] {
@@ -35,6 +60,7 @@ wchar_t toLower(wchar_t ch) {
     locale_t l = caseLocale();
     return l ? static_cast<wchar_t>(towlower_l(static_cast<wint_t>(ch), l)) : ch;
 }
+#endif
 
 bool isWhite(wchar_t ch) {
     if (ch == L' ' || (ch >= 0x09 && ch <= 0x0D)) return true;

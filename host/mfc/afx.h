@@ -4,6 +4,10 @@
 // names.
 #include <cstdint>
 
+#ifdef _WIN32
+// On the CAD's platform they are the platform's own (DWORD and LONG are long there).
+#include <windows.h>
+#else
 typedef wchar_t TCHAR;
 typedef wchar_t WCHAR;
 typedef const wchar_t* LPCTSTR;
@@ -20,6 +24,7 @@ typedef std::uint32_t DWORD;
 typedef std::int32_t LONG;
 typedef std::intptr_t INT_PTR;
 typedef std::uintptr_t UINT_PTR;
+#endif
 
 #ifndef TRUE
 #define TRUE 1

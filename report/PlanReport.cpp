@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/kova/ArxDataXData.h"
+#include "host/kova/SelectByApplications.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/DYBJInfo.h"
@@ -14,8 +15,15 @@ namespace kplan::report {
 
 ParcelLists findParcels(bool currentOnly) {
     ParcelLists lists;
-    CDKBJXDInfo::GetAllXZYD(lists.current);
-    if (!currentOnly) CDKBJXDInfo::GetDkbj(lists.planned);
+    if (currentOnly) {
+        CDKBJXDInfo::GetAllXZYD(lists.current);
+        return lists;
+    }
+    // The scans of CDKBJXDInfo::GetAllXZYD and GetDkbj, in one walk of the drawing.
+    std::vector<AcDbObjectIdArray> found;
+    kova::SelectByApplications(dk::TYPES_PARCEL, {dk::FAPP_XZDK, dk::LIST_GHDK}, found);
+    lists.current = std::move(found[0]);
+    lists.planned = std::move(found[1]);
     return lists;
 }
 

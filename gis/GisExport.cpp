@@ -89,7 +89,7 @@ bool isWhite(char32_t c) {
            c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
 }
 
-// A value of valid UTF-8 trimmed as trimmedText trims it, without going through wide text.
+// A value of UTF-8 trimmed as trimmedText trims it, without going through wide text.
 std::string trimmedUtf8(std::string_view text) {
     auto first = [&](std::size_t& length) -> char32_t {
         auto b = static_cast<unsigned char>(text.front());
@@ -120,15 +120,9 @@ std::string trimmedUtf8(std::string_view text) {
     return std::string(text);
 }
 
-// A value as it leaves the record: trimmed UTF-8. Packed bytes that are not valid UTF-8
-// go the way decoding goes.
-std::string trimmedValue(std::string_view text) {
-    if (db::isValidUtf8(text)) return trimmedUtf8(text);
-    return trimmedText(CString(db::utf8ToWide(text)));
-}
-
 // Every field of the entity's GIS records, as CFGisXData::GetAllXDatas lists them, read on
-// the packed bytes while the loader's compact form is unused: no record is decoded.
+// the packed bytes while the loader's compact form is unused: no record is decoded. The
+// packed form holds its texts in UTF-8 already (host/db/PackedXdata.h).
 void gisRecordValues(AcDbObjectId id, Values& values) {
     auto add = [&](std::string name, std::string value) {
         name = keyOfFieldName(name);
@@ -157,11 +151,8 @@ void gisRecordValues(AcDbObjectId id, Values& values) {
             while (i + 1 < n && text(i) && text(i + 1))
                 i += 2;
             if (i >= n || !brace(i, "}") || i + 1 != n) return true;
-            for (std::size_t k = from; k < i; k += 2) {
-                std::string_view key = items[k].text;
-                add(db::isValidUtf8(key) ? std::string(key) : db::wideToUtf8(db::utf8ToWide(key)),
-                    trimmedValue(items[k + 1].text));
-            }
+            for (std::size_t k = from; k < i; k += 2)
+                add(std::string(items[k].text), trimmedUtf8(items[k + 1].text));
             return true;
         });
 }

@@ -1,5 +1,6 @@
 #include "host/kova/SelectByApplications.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -52,25 +53,33 @@ class AppMasks {
 };
 
 // Whether the entity's type matches, as the filter's group 0 reads it: an entity kept as
-// read by the type its file gave it, any other by its class, asked once per class.
+// read by the type its file gave it, any other by its class. What a class is, is asked
+// once per class.
 class TypeMatch {
   public:
     explicit TypeMatch(const wchar_t* types) : types_(types ? types : L"") {}
 
     bool operator()(const AcDbEntity* entity) {
-        if (auto* kept = AcDbUnknownEntity::cast(entity))
-            return db::wcmatch(db::utf8ToWide(kept->dxfName()), types_);
         const AcRxClass* type = entity->isA();
-        for (const auto& [known, matches] : classes_)
-            if (known == type) return matches;
-        bool matches = db::wcmatch(type->dxfName(), types_);
-        classes_.emplace_back(type, matches);
-        return matches;
+        auto known = std::find_if(classes_.begin(), classes_.end(),
+                                  [type](const Class& c) { return c.type == type; });
+        if (known == classes_.end()) {
+            bool kept = AcDbUnknownEntity::cast(entity) != nullptr;
+            classes_.push_back({type, kept, !kept && db::wcmatch(type->dxfName(), types_)});
+            known = classes_.end() - 1;
+        }
+        if (known->kept)
+            return db::wcmatch(db::utf8ToWide(AcDbUnknownEntity::cast(entity)->dxfName()), types_);
+        return known->matches;
     }
 
   private:
+    struct Class {
+        const AcRxClass* type;
+        bool kept, matches;
+    };
     std::wstring types_;
-    std::vector<std::pair<const AcRxClass*, bool>> classes_;
+    std::vector<Class> classes_;
 };
 
 // Model space first, then the paper-space layouts in table order, as "X" walks them.
@@ -86,11 +95,17 @@ std::vector<AcDbObjectId> layouts(AcDbDatabase* database) {
     return out;
 }
 
-bool inPaperSpace(const AcDbEntity* entity) {
+// The group 67 flag of the filter: the entity is in a layout's block other than model
+// space. Its own block is asked once for all its entities.
+bool inPaperSpace(const AcDbEntity* entity, AcDbObjectId blockId, bool blockIsLayout) {
     AcDbDatabase* database = entity->database();
-    auto* block = arx::peek<AcDbBlockTableRecord>(entity->ownerId());
-    return database != nullptr && block != nullptr && block->isLayout() &&
-           entity->ownerId() != database->modelSpaceId();
+    AcDbObjectId owner = entity->ownerId();
+    bool isLayout = blockIsLayout;
+    if (owner != blockId) {
+        auto* block = arx::peek<AcDbBlockTableRecord>(owner);
+        isLayout = block != nullptr && block->isLayout();
+    }
+    return database != nullptr && isLayout && owner != database->modelSpaceId();
 }
 
 }  // namespace
@@ -107,10 +122,11 @@ int SelectByApplications(const wchar_t* types, const std::vector<const wchar_t*>
     for (AcDbObjectId blockId : layouts(database)) {
         auto* block = arx::peek<AcDbBlockTableRecord>(blockId);
         if (block == nullptr) continue;
+        const bool blockIsLayout = block->isLayout();
         for (AcDbObjectId id : block->entityIds()) {
             auto* entity = id.isErased() ? nullptr : arx::peek<AcDbEntity>(id);
             if (entity == nullptr || !entity->hasXdata() || !typeMatches(entity) ||
-                inPaperSpace(entity) != paperCurrent)
+                inPaperSpace(entity, blockId, blockIsLayout) != paperCurrent)
                 continue;
             std::uint64_t mask = 0;
             if (const std::string* packed = entity->packedXdata()) {

@@ -132,7 +132,7 @@ std::vector<std::string> rowsOf(const Report& report) {
 
 // Current status measured on a thread of its own while this one measures the plan, as
 // kplan stats does, on a drawing read from DXF: parcels both planned and current are read
-// by both threads at once, and so is the scope line.
+// by both threads at once, and so is the scope line; both print on the command line.
 TEST_F(PlanReportThreadsTest, CurrentStatusMeasuredAsideGivesTheSameTables) {
     standards().copyShipped(L"用地分类/2011国标城乡用地类别.txt");
     CKovaDataSet::FSetCurYDLB(L"2011国标城乡用地类别.txt");
@@ -150,6 +150,8 @@ TEST_F(PlanReportThreadsTest, CurrentStatusMeasuredAsideGivesTheSameTables) {
         for (int k = 0; k < 40; ++k)
             current(parcel(2.5 * k, 0, 2.5 * k + 2.5, 100, L"R21", L"10"));
         current(parcel(100, 0, 200, 100, L"G1", L"0"));
+        // Outside the scope, both: each thread tells the command line so as it measures.
+        current(parcel(400, 0, 500, 100, L"R21", L"5"));
         parcel(200, 0, 240, 100, L"B1", L"0");
         AcDbObjectId works = addClosedRectangle(250, 0, 350, 100);
         current(works);
@@ -166,8 +168,8 @@ TEST_F(PlanReportThreadsTest, CurrentStatusMeasuredAsideGivesTheSameTables) {
     AcDbObjectId scope;
     ASSERT_EQ(loaded->database()->getAcDbObjectId(scope, false, scopeHandle), Acad::eOk);
     ParcelLists parcels = findParcels(false);
-    ASSERT_EQ(parcels.planned.length(), 42);
-    ASSERT_EQ(parcels.current.length(), 42);
+    ASSERT_EQ(parcels.planned.length(), 43);
+    ASSERT_EQ(parcels.current.length(), 43);
 
     Report inPlace, aside;
     {
@@ -180,7 +182,7 @@ TEST_F(PlanReportThreadsTest, CurrentStatusMeasuredAsideGivesTheSameTables) {
         dk::RecordSession records;
         std::future<Measured> status = measureCurrentStatusAside(parcels.current, scope, false);
         Measured plan = measureParcels(parcels.planned, scope, Scenario::Planned);
-        EXPECT_EQ(plan.parcels.size(), 42u);
+        EXPECT_EQ(plan.parcels.size(), 42u);  // the one outside is not counted
         Measured measured = status.get();
         PlanOptions options;
         options.currentStatus = &measured;

@@ -20,9 +20,12 @@
 #include "host/arx/dbpl.h"
 #include "host/arx/outline.h"
 #include "host/arx/peek.h"
+#include "host/db/TextCodec.h"
 #include "host/db/Utf8Path.h"
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaCad.h"
+#include "host/kova/SelectByApplications.h"
+#include "host/kova/XdataBlocks.h"
 #include "record/BoundaryRecord.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
@@ -55,6 +58,7 @@ using Values = std::vector<std::pair<std::string, std::string>>;
 struct Feature {
     AcDbObjectId id;
     Values values;
+    int generation = -1;  // of a parcel's record; -1 when not read yet
 };
 
 std::string utf8(const CString& text) {
@@ -72,22 +76,101 @@ std::string trimmedText(CString value) {
     return utf8(value);
 }
 
-void addValue(Values& values, const std::string& name, const std::string& value) {
+void addValue(Values& values, const std::string& name, std::string value) {
     for (const auto& known : values) {
         if (known.first == name) return;  // the first record holding a field wins
     }
-    values.emplace_back(name, value);
+    values.emplace_back(name, std::move(value));
 }
 
-Values recordValues(const ExportLayer& layer, AcDbObjectId id) {
+// What CString::Trim takes off both ends.
+bool isWhite(char32_t c) {
+    if (c == U' ' || (c >= 0x09 && c <= 0x0D)) return true;
+    return c == 0x85 || c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 ||
+           c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
+}
+
+// A value of UTF-8 trimmed as trimmedText trims it, without going through wide text.
+std::string trimmedUtf8(std::string_view text) {
+    auto first = [&](std::size_t& length) -> char32_t {
+        auto b = static_cast<unsigned char>(text.front());
+        length = b < 0x80 ? 1 : b < 0xE0 ? 2 : b < 0xF0 ? 3 : 4;
+        if (length > text.size()) return 0;
+        char32_t c = length == 1 ? b : b & (0xFF >> (length + 1));
+        for (std::size_t i = 1; i < length; ++i)
+            c = (c << 6) | (static_cast<unsigned char>(text[i]) & 0x3F);
+        return c;
+    };
+    auto last = [&](std::size_t& length) -> char32_t {
+        length = 1;
+        while (length < text.size() && length < 4 &&
+               (static_cast<unsigned char>(text[text.size() - length]) & 0xC0) == 0x80)
+            ++length;
+        std::string_view tail = text.substr(text.size() - length);
+        auto b = static_cast<unsigned char>(tail.front());
+        char32_t c = length == 1 ? b : b & (0xFF >> (length + 1));
+        for (std::size_t i = 1; i < length; ++i)
+            c = (c << 6) | (static_cast<unsigned char>(tail[i]) & 0x3F);
+        return c;
+    };
+    std::size_t length = 0;
+    while (!text.empty() && isWhite(last(length)))
+        text.remove_suffix(length);
+    while (!text.empty() && isWhite(first(length)))
+        text.remove_prefix(length);
+    return std::string(text);
+}
+
+// Every field of the entity's GIS records, as CFGisXData::GetAllXDatas lists them, read on
+// the packed bytes while the loader's compact form is unused: no record is decoded. The
+// packed form holds its texts in UTF-8 already (host/db/PackedXdata.h).
+void gisRecordValues(AcDbObjectId id, Values& values) {
+    auto add = [&](std::string name, std::string value) {
+        name = keyOfFieldName(name);
+        if (!name.empty()) addValue(values, name, std::move(value));
+    };
+    kova::xdata::forEachBlock(
+        id,
+        [&](const std::wstring&, std::span<const db::Value> items) {
+            kova::xdata::Record record;
+            if (kova::xdata::parseRecord(items, record)) {
+                for (const auto& [key, value] : record.fields)
+                    add(db::wideToUtf8(key), trimmedText(CString(value)));
+            }
+            return true;
+        },
+        [&](std::string_view, std::span<const kova::xdata::PackedItem> items) {
+            // A GIS record: a head, "{", pairs of texts, "}" and nothing after.
+            auto text = [&](std::size_t i) { return items[i].code == 1000; };
+            auto brace = [&](std::size_t i, std::string_view b) {
+                return items[i].code == 1002 && items[i].text == b;
+            };
+            std::size_t i = 0, n = items.size();
+            if (i < n && text(i)) ++i;
+            if (i >= n || !brace(i, "{")) return true;
+            std::size_t from = ++i;
+            while (i + 1 < n && text(i) && text(i + 1))
+                i += 2;
+            if (i >= n || !brace(i, "}") || i + 1 != n) return true;
+            for (std::size_t k = from; k < i; k += 2)
+                add(std::string(items[k].text), trimmedUtf8(items[k + 1].text));
+            return true;
+        });
+}
+
+Values recordValues(const ExportLayer& layer, AcDbObjectId id, int generation) {
     Values values;
+    // Current records and the other kinds' records are GIS records; older parcels go
+    // through their record class.
+    if (layer.kind == LayerKind::Outline || (layer.kind == LayerKind::Parcel && generation != 1)) {
+        gisRecordValues(id, values);
+        return values;
+    }
     CStringArray names, texts, apps;
     if (layer.kind == LayerKind::Parcel) {
         CDKBJXDInfo(id).GetData(names, texts, apps);
-    } else if (layer.kind == LayerKind::RedLine) {
-        dk::ReadListPairs(id, dk::APP_GHHX, names, texts);
     } else {
-        ARX_DATA::CFGisXData::GetAllXDatas(id, apps, names, texts);
+        dk::ReadListPairs(id, dk::APP_GHHX, names, texts);
     }
     for (INT_PTR i = 0; i < names.GetSize() && i < texts.GetSize(); ++i) {
         std::string name = utf8(names[i]);
@@ -412,7 +495,8 @@ bool writeLayer(GDALDataset& dataset, const LayerOutput& output, const OGRSpatia
                     value = handleOf(feature.id);
                     break;
                 case Role::Generation: {
-                    int generation = CheckDKDataVer(feature.id);
+                    int generation =
+                        feature.generation >= 0 ? feature.generation : CheckDKDataVer(feature.id);
                     if (field.type != FieldType::Integer) {
                         value = std::to_string(generation);
                         break;
@@ -537,12 +621,17 @@ std::vector<ExportLayer> drawingLayers() {
         }
         return false;
     };
-    if (any({dk::FAPP_GHDK, dk::FAPP_GHDK_FG, dk::FAPP_GHDK_ZG, dk::FAPP_GHDK_TX, dk::APP_DKSX,
-             dk::APP_DKBJ}))
-        CDKBJXDInfo::GetDkbj(layers[0].ids);
-    if (any({dk::FAPP_XZDK})) CDKBJXDInfo::GetAllXZYD(layers[1].ids);
-    if (any({dk::FAPP_GHDK_DX})) CDKBJXDInfo::GetDXKJ(layers[2].ids, 1);
-    if (any({dk::FAPP_XZDK_DX})) CDKBJXDInfo::GetDXKJ(layers[3].ids, 0);
+    // The four kinds of parcels in one walk: what CDKBJXDInfo::GetDkbj, GetAllXZYD and
+    // GetDXKJ find.
+    if (any({dk::FAPP_GHDK, dk::FAPP_GHDK_FG, dk::FAPP_GHDK_ZG, dk::FAPP_GHDK_TX, dk::FAPP_XZDK,
+             dk::FAPP_GHDK_DX, dk::FAPP_XZDK_DX})) {
+        std::vector<AcDbObjectIdArray> parcels;
+        kova::SelectByApplications(
+            dk::TYPES_PARCEL, {dk::LIST_GHDK, dk::FAPP_XZDK, dk::FAPP_GHDK_DX, dk::FAPP_XZDK_DX},
+            parcels);
+        for (std::size_t i = 0; i < parcels.size(); ++i)
+            layers[i].ids = std::move(parcels[i]);
+    }
     if (any({dk::FAPP_GHFWX})) dk::SelectOutlines(dk::FAPP_GHFWX, layers[4].ids);
     if (any({dk::FAPP_GHDY, dk::APP_DYSX})) CDYBJInfo::GetDYbj(layers[5].ids);
     if (any({dk::FAPP_GHJF, dk::APP_JFSX})) CJFBJInfo::GetJFbj(layers[6].ids);
@@ -604,8 +693,10 @@ bool exportLayers(const std::vector<ExportLayer>& layers, const std::string& pat
             continue;
         }
         LayerOutput output{&layer, {}, {}};
-        for (AcDbObjectId id : layer.ids)
-            output.features.push_back({id, recordValues(layer, id)});
+        for (AcDbObjectId id : layer.ids) {
+            int generation = layer.kind == LayerKind::Parcel ? CheckDKDataVer(id) : -1;
+            output.features.push_back({id, recordValues(layer, id, generation), generation});
+        }
         output.fields = layerFields(layer, output.features);
         outputs.push_back(std::move(output));
     }

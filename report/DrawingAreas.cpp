@@ -22,7 +22,8 @@ std::string handleOf(AcDbObjectId id) {
     return CString(text).ToUtf8();
 }
 
-void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary) {
+void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary,
+                 bool progress) {
     int total = 0;
     for (const AcDbObjectIdArray* list : lists)
         total += list->length();
@@ -31,14 +32,14 @@ void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectI
     // cores work. Each part ends with the cores waiting for the last clips, so the parts
     // are not made smaller.
     KovaCad::CStatusBarControl bar;
-    bar.start(L"范围线内地块", total);
+    if (progress) bar.start(L"范围线内地块", total);
     std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
     std::vector<stats::BoundaryClip::Answer> answers;
     const int chunk = std::max(2048, total / 50);
     AcDbObjectIdArray part;
     auto clipPart = [&] {
         clip->classifyMany(part, answers);
-        bar.step(part.length());
+        if (progress) bar.step(part.length());
         part.setLogicalLength(0);
     };
     for (const AcDbObjectIdArray* list : lists) {
@@ -48,11 +49,11 @@ void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectI
         }
     }
     if (!part.isEmpty()) clipPart();
-    bar.end();
+    if (progress) bar.end();
 }
 
 Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario,
-                        bool readMixRatio, const Counted* known) {
+                        bool readMixRatio, const Counted* known, bool progress) {
     Measured m;
     m.scenario = scenario;
     m.scoped = !boundary.isNull();
@@ -62,7 +63,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     }
     // Every parcel clipped at once on all cores; within a stats::ClipSession the answers
     // are kept for the measures below. The statistics clipped them already.
-    if (known == nullptr) clipParcels({&parcels}, boundary);
+    if (known == nullptr) clipParcels({&parcels}, boundary, progress);
     // The statistics' lists follow the parcels' order, so they are read side by side.
     int nextCounted = 0, nextCrossing = 0;
     bool fits = true, samePeople = true;
@@ -123,7 +124,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     if (known != nullptr) {
         if (!fits || nextCounted != known->counted.length() ||
             nextCrossing != known->crossing.length())
-            return measureParcels(parcels, boundary, scenario, readMixRatio);
+            return measureParcels(parcels, boundary, scenario, readMixRatio, nullptr, progress);
     }
     if (known != nullptr && samePeople) {
         m.population = known->population;

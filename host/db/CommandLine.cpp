@@ -118,6 +118,7 @@ CommandLine::CommandLine() : input_(std::make_shared<ScriptedInput>()) {}
 
 void CommandLine::print(std::wstring_view text) {
     if (text.empty()) return;
+    std::lock_guard<std::mutex> lock(printing_);
     if (keepTranscript_) transcript_ += text;
     if (echoStream_ != nullptr) {
         *echoStream_ << text;

@@ -7,6 +7,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -122,7 +123,8 @@ class CommandLine {
     // A program that shows nothing of the command line keeps no transcript either: a long
     // statistic may say the same thing for every parcel.
     void keepTranscript(bool keep) { keepTranscript_ = keep; }
-    // Appends to the transcript and hands the text to the echo stream and callback.
+    // Appends to the transcript and hands the text to the echo stream and callback. Threads
+    // measuring drawings at once may print together: one message goes whole at a time.
     void print(std::wstring_view text);
 
     // Echo targets; null / empty to stop echoing.
@@ -140,6 +142,7 @@ class CommandLine {
     Answer ask(InputRequest::Kind kind, std::wstring_view prompt);
 
   private:
+    std::mutex printing_;
     std::wstring transcript_;
     std::vector<std::wstring> commands_;
     bool keepTranscript_ = true;

@@ -2,6 +2,7 @@
 // The object store of one drawing: stubs that own the objects and give them handles.
 // Which classes the objects are is the business of the layer above; the store only
 // knows handles, ownership of the memory, erasure and open state.
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -26,7 +27,9 @@ struct KPLAN_API Stub {
     std::uint64_t handle = 0;
     std::unique_ptr<ObjectBase> object;
     bool erased = false;
-    int readers = 0;
+    // Counted atomically: threads measuring one drawing at once may open the same object
+    // (the boundary, a dictionary) for read together.
+    std::atomic<int> readers = 0;
     bool writer = false;
     bool notifying = false;
 

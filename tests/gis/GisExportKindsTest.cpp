@@ -37,13 +37,15 @@ AcDbObjectId addOutline(std::initializer_list<AcGePoint2d> points, double bulge)
 }
 
 // A planned parcel that is a circle of two half-circle arcs, with a floor-area ratio and
-// a population that are not numbers; two underground spaces.
+// a population that are not numbers and texts with blanks around them (ideographic spaces
+// among them); two underground spaces.
 std::string kindsDrawing() {
     static const std::string path = [] {
         AcApDocument* document = acDocManager->appendDocument();
         AcDbObjectId circle = addOutline({{500000, 3500000}, {500000 + 2 * kRadius, 3500000}}, 1.0);
-        CDKBJXDInfo(circle).SetData(list({dk::FS_DKBH, dk::FD_RJL, dk::FN_ZRKS, dk::FD_LDL}),
-                                    list({L"C-1", L"high", L"12.5", L"35"}));
+        CDKBJXDInfo(circle).SetData(
+            list({dk::FS_DKBH, dk::FD_RJL, dk::FN_ZRKS, dk::FD_LDL, dk::FS_BZ, dk::FS_DKXZ}),
+            list({L"\u3000C-1\t ", L"high", L"12.5", L"35", L" 绿地 公园\u3000", L"\u2003\u3000"}));
         AcDbObjectId below = addOutline(
             {{500200, 3500000}, {500260, 3500000}, {500260, 3500040}, {500200, 3500040}}, 0);
         CDKBJXDInfo(below).SetDXKJData(list({dk::FS_DXKJBH, dk::FN_DXKJCS, dk::FD_DXJZMJ}),
@@ -96,6 +98,10 @@ TEST(GisExportKindsTest, UndergroundArcsAndUnreadableValues) {
     EXPECT_TRUE(fields["FD_RJL"].isNull());
     EXPECT_TRUE(fields["FN_ZRKS"].isNull());
     EXPECT_DOUBLE_EQ(fields["FD_LDL"].number(), 35);
+    // Texts lose the blanks around them, within they stay; nothing but blanks is no value.
+    EXPECT_EQ(fields["FS_DKBH"].string(), "C-1");
+    EXPECT_EQ(fields["FS_BZ"].string(), "绿地 公园");
+    EXPECT_TRUE(fields["FS_DKXZ"].isNull());
     std::string handle = fields["handle"].string();
     EXPECT_NE(run.err.find("planned_parcels: " + handle + " FD_RJL = \"high\" is not a number"),
               std::string::npos)

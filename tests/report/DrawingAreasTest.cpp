@@ -9,6 +9,7 @@
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "report/DrawingAreas.h"
+#include "report/PlanReport.h"
 #include "stats/BoundaryClip.h"
 #include "stats/BoundaryStats.h"
 #include "stats/ClassTotals.h"
@@ -84,6 +85,10 @@ TEST_F(DrawingAreasTest, WhatTheStatisticsFoundGivesTheSameFigures) {
     CDKBJXDInfo::GetAllXZYD(current);
     ASSERT_EQ(planned.length(), 6);
     ASSERT_EQ(current.length(), 1);
+    // The tables find both kinds in one walk of the drawing, as the two scans find them.
+    ParcelLists found = findParcels(false);
+    EXPECT_TRUE(found.planned == planned);
+    EXPECT_TRUE(found.current == current);
     stats::ClipSession session;
     Counted plan = statistics(scope, planned, false), status = statistics(scope, current, true);
     // Reversed, the lists no longer follow the parcels: they are set aside.

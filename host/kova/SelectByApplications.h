@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/arx/dbmain.h"
+#include "kplan/Export.h"
 
 namespace kova {
 
@@ -14,7 +15,7 @@ namespace kova {
 // application apps[i] matches (a wildcard pattern, case ignored, as the filter takes it).
 // Names of xdata still packed are read on its bytes, and each distinct name is matched
 // once. An entity may land in several lists. The number of entities selected at all.
-int SelectByApplications(const wchar_t* types, const std::vector<const wchar_t*>& apps,
-                         std::vector<AcDbObjectIdArray>& lists);
+KPLAN_API int SelectByApplications(const wchar_t* types, const std::vector<const wchar_t*>& apps,
+                                   std::vector<AcDbObjectIdArray>& lists);
 
 }  // namespace kova

@@ -3,7 +3,13 @@
 # and the tests keep linking the static libraries, so that they need no library path to run.
 set(KPLAN_LIBRARY_PARTS kplan_record kplan_standard kplan_stats kplan_draw kplan_geometry
                         kplan_arx kplan_kova kplan_mfc kplan_gpc kplan_db kplan_dxf)
-set(KPLAN_PROGRAM_PARTS kplan_report kplan_gis kplan_render)
+# gis/ and render/ are there only when their libraries are (KPLAN_WITH_GIS, KPLAN_WITH_RENDER).
+set(KPLAN_PROGRAM_PARTS)
+foreach(part IN ITEMS kplan_report kplan_gis kplan_render)
+    if(TARGET ${part})
+        list(APPEND KPLAN_PROGRAM_PARTS ${part})
+    endif()
+endforeach()
 
 # The same objects go into the static libraries and the shared one. Only what KPLAN_API
 # marks (kplan/Export.h) is exported; the rest of the host and the domain's helpers stay

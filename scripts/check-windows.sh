@@ -81,11 +81,15 @@ build_clipper
 build_geos
 # The header-only libraries are the same on both platforms: Debian's, as the Linux build
 # uses them.
-for header in CLI nlohmann; do
+for header in CLI nlohmann fast_float; do
     [ -d "/usr/include/$header" ] || fail "/usr/include/$header is missing (scripts/setup.sh --run)"
     rm -rf "${prefix:?}/include/$header"
     cp -r "/usr/include/$header" "$prefix/include/"
 done
+# fast_float is found as a CMake package; its files name the headers relative to themselves.
+mkdir -p "$prefix/lib/cmake"
+rm -rf "${prefix:?}/lib/cmake/FastFloat"
+cp -r /usr/lib/cmake/FastFloat "$prefix/lib/cmake/"
 
 # --- kplan for Windows, and for Linux when there is none ------------------------------
 windows=build/windows

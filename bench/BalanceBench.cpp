@@ -8,7 +8,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <future>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -163,19 +162,12 @@ void statsWithTables(benchmark::State& state, bool withCurrentStatus) {
         if (state.range(0)) records.emplace();
         kplan::report::ParcelLists parcels = kplan::report::findParcels(false);
         if (!withCurrentStatus) parcels.current.removeAll();
-        // Current status on a thread of its own while the plan is measured here.
-        std::future<kplan::report::Measured> aside;
-        if (!parcels.current.isEmpty())
-            aside = kplan::report::measureCurrentStatusAside(parcels.current, d.boundary, false);
         kplan::report::Counted within;
         benchmark::DoNotOptimize(todaysStats(d.boundary, parcels.planned, &within));
-        std::optional<kplan::report::Measured> currentStatus;
-        if (aside.valid()) currentStatus = aside.get();
         kplan::report::Report report;
         std::string error;
         kplan::report::PlanOptions options;
         options.measured = &within;
-        options.currentStatus = currentStatus ? &*currentStatus : nullptr;
         kplan::report::buildPlanReport(parcels, d.boundary, options, report, error);
         std::string text = kplan::report::terminalTables(report, false) +
                            kplan::report::dumpJson(kplan::report::tablesJson(report));

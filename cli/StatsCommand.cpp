@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <future>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -194,12 +192,10 @@ report::PlanOptions planOptions(const StatsArgs& args, report::AreaUnit unit) {
 }
 
 bool buildTables(const StatsArgs& args, const report::ParcelLists& parcels, AcDbObjectId boundary,
-                 report::AreaUnit unit, const Balance& balance,
-                 const report::Measured* currentStatus, report::Report& tables,
+                 report::AreaUnit unit, const Balance& balance, report::Report& tables,
                  std::string& error) {
     report::PlanOptions options = planOptions(args, unit);
     options.measured = &balance.within;
-    options.currentStatus = currentStatus;
     if (!report::buildPlanReport(parcels, boundary, options, tables, error)) return false;
     if (!balance.olderGeneration.isEmpty()) {
         report::Warning w;
@@ -240,17 +236,8 @@ bool computeStats(const StatsArgs& args, AcDbDatabase& database, AcDbObjectId bo
             *list = kept;
         }
     }
-    // The current-status column beside the plan is measured on a thread of its own while
-    // this one measures the plan; nothing changes the drawing meanwhile.
-    std::future<report::Measured> aside;
-    if (!args.status && !s.parcels.current.isEmpty())
-        aside =
-            report::measureCurrentStatusAside(s.parcels.current, boundary, args.mixed == "split");
     s.balance = measure(database, boundary, args.status, s.parcels, names);
-    std::optional<report::Measured> currentStatus;
-    if (aside.valid()) currentStatus = aside.get();
-    return buildTables(args, s.parcels, boundary, unit, s.balance,
-                       currentStatus ? &*currentStatus : nullptr, s.tables, error) &&
+    return buildTables(args, s.parcels, boundary, unit, s.balance, s.tables, error) &&
            (args.by.empty() ||
             report::buildSections(s.parcels, args.by, planOptions(args, unit), s.sections, error));
 }

@@ -22,8 +22,7 @@ std::string handleOf(AcDbObjectId id) {
     return CString(text).ToUtf8();
 }
 
-void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary,
-                 bool progress) {
+void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary) {
     int total = 0;
     for (const AcDbObjectIdArray* list : lists)
         total += list->length();
@@ -32,14 +31,14 @@ void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectI
     // cores work. Each part ends with the cores waiting for the last clips, so the parts
     // are not made smaller.
     KovaCad::CStatusBarControl bar;
-    if (progress) bar.start(L"范围线内地块", total);
+    bar.start(L"范围线内地块", total);
     std::shared_ptr<stats::BoundaryClip> clip = stats::ClipOf(boundary);
     std::vector<stats::BoundaryClip::Answer> answers;
     const int chunk = std::max(2048, total / 50);
     AcDbObjectIdArray part;
     auto clipPart = [&] {
         clip->classifyMany(part, answers);
-        if (progress) bar.step(part.length());
+        bar.step(part.length());
         part.setLogicalLength(0);
     };
     for (const AcDbObjectIdArray* list : lists) {
@@ -49,11 +48,11 @@ void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectI
         }
     }
     if (!part.isEmpty()) clipPart();
-    if (progress) bar.end();
+    bar.end();
 }
 
 Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario,
-                        bool readMixRatio, const Counted* known, bool progress) {
+                        bool readMixRatio, const Counted* known) {
     Measured m;
     m.scenario = scenario;
     m.scoped = !boundary.isNull();
@@ -63,7 +62,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     }
     // Every parcel clipped at once on all cores; within a stats::ClipSession the answers
     // are kept for the measures below. The statistics clipped them already.
-    if (known == nullptr) clipParcels({&parcels}, boundary, progress);
+    if (known == nullptr) clipParcels({&parcels}, boundary);
     // The statistics' lists follow the parcels' order, so they are read side by side.
     int nextCounted = 0, nextCrossing = 0;
     bool fits = true, samePeople = true;
@@ -124,7 +123,7 @@ Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary,
     if (known != nullptr) {
         if (!fits || nextCounted != known->counted.length() ||
             nextCrossing != known->crossing.length())
-            return measureParcels(parcels, boundary, scenario, readMixRatio, nullptr, progress);
+            return measureParcels(parcels, boundary, scenario, readMixRatio);
     }
     if (known != nullptr && samePeople) {
         m.population = known->population;

@@ -20,21 +20,17 @@ struct Counted {
 };
 
 // Clips every parcel of the lists against the boundary in one pass on all cores, in
-// chunks so that the progress bar moves (without progress, no bar: a thread working beside
-// the one that shows it). Inside a stats::ClipSession the answers are kept for the
-// measures that follow; outside one this only costs time.
-void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary,
-                 bool progress = true);
+// chunks so that the progress bar moves. Inside a stats::ClipSession the answers are kept
+// for the measures that follow; outside one this only costs time.
+void clipParcels(const std::vector<const AcDbObjectIdArray*>& lists, AcDbObjectId boundary);
 
 // boundary null: every parcel whole, no scope. Run inside a stats::ClipSession: the
 // parcels are clipped once, on all cores, for all the measures. The mix ratio "FS_HHBL"
 // is read only with readMixRatio (for --mixed split). With known (the same parcels and
 // boundary measured by the statistics) nothing is asked twice; known lists that do not
-// fit the parcels are set aside and everything is measured again. Without progress the
-// clipping shows no bar.
+// fit the parcels are set aside and everything is measured again.
 Measured measureParcels(const AcDbObjectIdArray& parcels, AcDbObjectId boundary, Scenario scenario,
-                        bool readMixRatio = false, const Counted* known = nullptr,
-                        bool progress = true);
+                        bool readMixRatio = false, const Counted* known = nullptr);
 
 // The handle text of an object ("2A").
 std::string handleOf(AcDbObjectId id);

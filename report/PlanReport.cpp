@@ -2,17 +2,14 @@
 
 #include <algorithm>
 
-#include "host/arx/acdocman.h"
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/SelectByApplications.h"
 #include "record/DKBJXDInfo.h"
 #include "record/DKKeys.h"
 #include "record/DYBJInfo.h"
 #include "record/JFBJInfo.h"
-#include "record/RecordSession.h"
 #include "report/ClassHierarchy.h"
 #include "report/DrawingAreas.h"
-#include "stats/BoundaryClip.h"
 
 namespace kplan::report {
 
@@ -30,26 +27,12 @@ ParcelLists findParcels(bool currentOnly) {
     return lists;
 }
 
-std::future<Measured> measureCurrentStatusAside(const AcDbObjectIdArray& parcels,
-                                                AcDbObjectId boundary, bool readMixRatio) {
-    AcApDocument* document = acDocManager->curDocument();
-    return std::async(std::launch::async, [parcels, boundary, readMixRatio, document] {
-        AcApThreadDocuments own;
-        if (document != nullptr) acDocManager->setCurDocument(document);
-        stats::ClipSession clips;
-        dk::RecordSession records;
-        return measureParcels(parcels, boundary, Scenario::Current, readMixRatio, nullptr, false);
-    });
-}
-
 std::vector<Measured> measureScenarios(const ParcelLists& parcels, AcDbObjectId boundary,
                                        const PlanOptions& options) {
     std::vector<Measured> measured;
     bool split = options.balance.mixed == MixedCodes::Split;
     // A plan without current-status parcels costs no clipping or overlap search for them.
-    if (!options.currentOnly && options.currentStatus != nullptr) {
-        if (!options.currentStatus->parcels.empty()) measured.push_back(*options.currentStatus);
-    } else if (options.currentOnly || !parcels.current.isEmpty()) {
+    if (options.currentOnly || !parcels.current.isEmpty()) {
         Measured status = measureParcels(parcels.current, boundary, Scenario::Current, split,
                                          options.currentOnly ? options.measured : nullptr);
         if (options.currentOnly || !status.parcels.empty()) measured.push_back(std::move(status));
@@ -79,7 +62,6 @@ bool buildSections(const ParcelLists& parcels, const std::string& by, const Plan
     PlanOptions own = options;
     own.population = -1;
     own.measured = nullptr;
-    own.currentStatus = nullptr;
     for (AcDbObjectId id : outlines) {
         Section section;
         section.kind = by;

@@ -2,7 +2,6 @@
 // The balance tables of the drawing that is open: its parcels measured within a boundary
 // (current status beside the plan when it has parcels there), and per planning unit or
 // block within their outlines.
-#include <future>
 #include <string>
 #include <vector>
 
@@ -26,18 +25,7 @@ struct PlanOptions {
     // The statistics of the run measured the plan (or current status alone) within the
     // same boundary already: their lists and population are taken, not asked again.
     const Counted* measured = nullptr;
-    // The current-status parcels beside the plan measured already within the same
-    // boundary (measureCurrentStatusAside): taken, not measured again.
-    const Measured* currentStatus = nullptr;
 };
-
-// Measures the current-status parcels within boundary, as the tables beside the plan
-// measure them, on a thread of its own with record and clip sessions of its own, while
-// the caller measures the plan: that thread only reads the drawing, which must not change
-// until the result is taken. It works on the caller's current document and shows no
-// progress bar.
-std::future<Measured> measureCurrentStatusAside(const AcDbObjectIdArray& parcels,
-                                                AcDbObjectId boundary, bool readMixRatio);
 
 // The column groups of the tables: 现状 where current-status parcels lie within the
 // boundary (always with currentOnly), then 规划.

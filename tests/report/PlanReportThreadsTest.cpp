@@ -3,8 +3,6 @@
 // and gets the figures one thread alone gets. Run under ThreadSanitizer by scripts/test.sh.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <future>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,9 +12,7 @@
 #include "host/kova/ArxDataXData.h"
 #include "host/kova/KovaDataSet.h"
 #include "record/DKKeys.h"
-#include "record/RecordSession.h"
 #include "report/PlanReport.h"
-#include "stats/BoundaryClip.h"
 #include "tests/support/KplanTest.h"
 #include "tests/support/Shapes.h"
 
@@ -40,13 +36,12 @@ class PlanReportThreadsTest : public KplanTest {
         return path;
     }
 
-    AcDbObjectId parcel(double x0, double y0, double x1, double y1, const wchar_t* cls,
-                        const wchar_t* people) {
+    void parcel(double x0, double y0, double x1, double y1, const wchar_t* cls,
+                const wchar_t* people) {
         AcDbObjectId id = addClosedRectangle(x0, y0, x1, y1);
         ARX_DATA::CFGisXData::SetTo(id, dk::FAPP_GHDK, L"", dk::TYPE_KGDK);
         ARX_DATA::CFGisXData::SetTo(id, dk::FS_DKXZ, cls, dk::FAPP_GHDK);
         ARX_DATA::CFGisXData::SetTo(id, dk::FN_ZRKS, people, dk::FAPP_GHDK);
-        return id;
     }
 };
 
@@ -111,95 +106,6 @@ TEST_F(PlanReportThreadsTest, EachThreadMeasuresItsOwnDrawing) {
     // every drawing they opened is closed.
     EXPECT_EQ(acDocManager->curDocument(), mine);
     EXPECT_EQ(acDocManager->documentCount(), 1);
-}
-
-// The tables' rows as text, blanks and all.
-std::vector<std::string> rowsOf(const Report& report) {
-    std::vector<std::string> out;
-    for (const Table& table : report.tables) {
-        for (const Row& row : table.rows) {
-            std::string line = table.key + " " + row.code + " " + row.name;
-            for (double v : row.values) {
-                char text[32];
-                std::snprintf(text, sizeof text, " %.9g", v);
-                line += text;
-            }
-            out.push_back(line);
-        }
-    }
-    return out;
-}
-
-// Current status measured on a thread of its own while this one measures the plan, as
-// kplan stats does, on a drawing read from DXF: parcels both planned and current are read
-// by both threads at once, and so is the scope line; both print on the command line.
-TEST_F(PlanReportThreadsTest, CurrentStatusMeasuredAsideGivesTheSameTables) {
-    standards().copyShipped(L"用地分类/2011国标城乡用地类别.txt");
-    CKovaDataSet::FSetCurYDLB(L"2011国标城乡用地类别.txt");
-    std::string path = (standards().root() / "both.dxf").string();
-    AcDbHandle scopeHandle;
-    {
-        AcApDocument* made = acDocManager->appendDocument();
-        scopeHandle = addClosedRectangle(0, 0, 300, 100).handle();  // the scope, 3 ha
-        auto current = [](AcDbObjectId id) {
-            ARX_DATA::CFSimpleXData::SetTo(id, dk::FAPP_XZDK, dk::MARK_XZDK);
-        };
-        // Both planned and current: R21 in 40 strips of 10 people and G1, 1 ha each.
-        // Planned only: B1, 0.4 ha. Current only: M1 across the scope's edge, 0.5 ha of it
-        // inside.
-        for (int k = 0; k < 40; ++k)
-            current(parcel(2.5 * k, 0, 2.5 * k + 2.5, 100, L"R21", L"10"));
-        current(parcel(100, 0, 200, 100, L"G1", L"0"));
-        // Outside the scope, both: each thread tells the command line so as it measures.
-        current(parcel(400, 0, 500, 100, L"R21", L"5"));
-        parcel(200, 0, 240, 100, L"B1", L"0");
-        AcDbObjectId works = addClosedRectangle(250, 0, 350, 100);
-        current(works);
-        ARX_DATA::CFGisXData::SetTo(works, dk::FS_DKXZ, L"M1");
-        std::string error;
-        ASSERT_TRUE(dxf::save(*made->database(), path, error)) << error;
-        acDocManager->closeDocument(made);
-        acDocManager->setCurDocument(document());
-    }
-    std::string error;
-    std::unique_ptr<AcDbDatabase> database = dxf::load(path, error);
-    ASSERT_TRUE(database) << error;
-    AcApDocument* loaded = acDocManager->appendDocument(std::move(database));
-    AcDbObjectId scope;
-    ASSERT_EQ(loaded->database()->getAcDbObjectId(scope, false, scopeHandle), Acad::eOk);
-    ParcelLists parcels = findParcels(false);
-    ASSERT_EQ(parcels.planned.length(), 43);
-    ASSERT_EQ(parcels.current.length(), 43);
-
-    Report inPlace, aside;
-    {
-        stats::ClipSession clips;
-        dk::RecordSession records;
-        ASSERT_TRUE(buildPlanReport(parcels, scope, {}, inPlace, error)) << error;
-    }
-    {
-        stats::ClipSession clips;
-        dk::RecordSession records;
-        std::future<Measured> status = measureCurrentStatusAside(parcels.current, scope, false);
-        Measured plan = measureParcels(parcels.planned, scope, Scenario::Planned);
-        EXPECT_EQ(plan.parcels.size(), 42u);  // the one outside is not counted
-        Measured measured = status.get();
-        PlanOptions options;
-        options.currentStatus = &measured;
-        ASSERT_TRUE(buildPlanReport(parcels, scope, options, aside, error)) << error;
-    }
-    EXPECT_EQ(rowsOf(aside), rowsOf(inPlace));
-    ASSERT_EQ(aside.balance.size(), 2u);
-    for (const BalanceLine& line : aside.balance) {
-        bool current = line.scenario == Scenario::Current;
-        SCOPED_TRACE(current ? "current" : "planned");
-        // By construction: 2 ha of both, and 0.5 ha (current) or 0.4 ha (planned).
-        EXPECT_NEAR(line.parcelHectares, current ? 2.5 : 2.4, 1e-9);
-        EXPECT_EQ(line.parcels, 42);
-        EXPECT_EQ(line.population, 400);
-    }
-    acDocManager->closeDocument(loaded);
-    acDocManager->setCurDocument(document());
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <string>
 #include <system_error>
 
+#include "host/db/ExecutablePath.h"
+
 #if defined(_WIN32)
 #include <windows.h>
 #elif defined(__linux__)
@@ -47,9 +49,9 @@ fs::path moduleFile(bool& isProgram) {
     // The program's own entry has no name; dli_fname would then be argv[0], which need not
     // be a path.
     isProgram = map->l_name == nullptr || map->l_name[0] == '\0';
+    fs::path file = isProgram ? executablePath() : fs::path(map->l_name);
+    if (file.empty()) return {};
     std::error_code ec;
-    fs::path file = isProgram ? fs::read_symlink("/proc/self/exe", ec) : fs::path(map->l_name);
-    if (ec) return {};
     fs::path whole = fs::weakly_canonical(file, ec);
     return ec ? file : whole;
 }
